@@ -1,0 +1,7 @@
+#include "Deglarer.h"
+
+bool CDeglarer::RenderUsingTimeAccess(IVideoHost*, FrameParams* source, FrameParams*, FrameParams* destination,
+                                      RenderInfo*)
+{
+    return CopySourceToDestination(source, destination);
+}

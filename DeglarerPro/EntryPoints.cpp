@@ -1,0 +1,21 @@
+#include <new>
+
+#include "../include/EffectLibrary.h"
+#include "DeglarerPro.h"
+
+#define DEGLARER_EXPORT extern "C" __attribute__((visibility("default")))
+
+DEGLARER_EXPORT IEffectLibrary* GetEffectsLibrary()
+{
+    try {
+        CDeglarerPro* library = new CDeglarerPro();
+        return static_cast<IEffectLibrary*>(library);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+DEGLARER_EXPORT int CanUnloadDLLNow()
+{
+    return DLLDependentObject::m_nInstanceCount.load(std::memory_order_relaxed) == 0 ? 1 : 0;
+}
