@@ -215,7 +215,8 @@ TEST(Version, BuildNumberFromCompileDate)
     EXPECT_EQ(g_VersionInf.nVersion, 3);
     EXPECT_EQ(g_VersionInf.nRevision, 0);
     EXPECT_EQ(g_VersionInf.nBuild, g_TSGetCurrentBuildNumber(__DATE__));
-    ASSERT_NE(g_VersionInf.pCopyRight, nullptr);
+    const char* copyRight = g_VersionInf.pCopyRight;   // read by value: the record is packed
+    ASSERT_NE(copyRight, nullptr);
 }
 
 } // namespace
