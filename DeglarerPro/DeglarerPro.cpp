@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "../Common/PresetSaver.h"
 #include "../include/InterfaceIds.h"
 #include "../platform/Atomic.h"
 #include "Deglarer.h"
@@ -57,7 +58,7 @@ IVideoEffect* CDeglarerPro::CreateEffect(unsigned int index)
     return new (std::nothrow) CDeglarer();
 }
 
-// Help, the services, the frame service and the preset saver are offered once they exist.
+// Help, the services and the frame service are offered once they exist.
 bool CDeglarerPro::OpenHelp(OpaqueWindowPtr*, unsigned int)
 {
     return false;
@@ -75,5 +76,5 @@ IFrameProcessor* CDeglarerPro::GetFrameProcessor()
 
 IPresetSaver* CDeglarerPro::GetPresetSaver()
 {
-    return nullptr;
+    return new (std::nothrow) CPresetSaver();
 }

@@ -30,14 +30,30 @@ bool HeadlessUserInterface::NextPath(std::string* path)
     return !path->empty();
 }
 
-bool HeadlessUserInterface::ChooseFileToSave(const std::string&, const std::string&, const std::string&,
+bool HeadlessUserInterface::ChooseFileToSave(const std::string& title, const std::string& defaultName,
+                                             const std::string& extension, std::string* path)
+{
+    return ChooseFileToSaveIn(std::string(), title, defaultName, extension, path);
+}
+
+bool HeadlessUserInterface::ChooseFileToOpen(const std::string& title, const std::string& extension,
                                              std::string* path)
 {
+    return ChooseFileToOpenIn(std::string(), title, extension, path);
+}
+
+bool HeadlessUserInterface::ChooseFileToSaveIn(const std::string& directory, const std::string& title,
+                                               const std::string& defaultName, const std::string& extension,
+                                               std::string* path)
+{
+    m_panels.push_back(Panel{true, title, directory, defaultName, extension});
     return NextPath(path);
 }
 
-bool HeadlessUserInterface::ChooseFileToOpen(const std::string&, const std::string&, std::string* path)
+bool HeadlessUserInterface::ChooseFileToOpenIn(const std::string& directory, const std::string& title,
+                                               const std::string& extension, std::string* path)
 {
+    m_panels.push_back(Panel{false, title, directory, std::string(), extension});
     return NextPath(path);
 }
 

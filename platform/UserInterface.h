@@ -16,6 +16,21 @@ public:
     virtual bool ChooseFileToSave(const std::string& title, const std::string& defaultName,
                                   const std::string& extension, std::string* path) = 0;
     virtual bool ChooseFileToOpen(const std::string& title, const std::string& extension, std::string* path) = 0;
+
+    // The same panels, starting in `directory`. A toolkit that can't choose where a panel starts
+    // keeps the plain ones, to which these forward.
+    virtual bool ChooseFileToSaveIn(const std::string& directory, const std::string& title,
+                                    const std::string& defaultName, const std::string& extension, std::string* path)
+    {
+        (void)directory;
+        return ChooseFileToSave(title, defaultName, extension, path);
+    }
+    virtual bool ChooseFileToOpenIn(const std::string& directory, const std::string& title,
+                                    const std::string& extension, std::string* path)
+    {
+        (void)directory;
+        return ChooseFileToOpen(title, extension, path);
+    }
 };
 
 // Without a toolkit: prints each alert on standard output and takes its default button; panels
@@ -27,6 +42,10 @@ public:
     bool ChooseFileToSave(const std::string& title, const std::string& defaultName, const std::string& extension,
                           std::string* path) override;
     bool ChooseFileToOpen(const std::string& title, const std::string& extension, std::string* path) override;
+    bool ChooseFileToSaveIn(const std::string& directory, const std::string& title, const std::string& defaultName,
+                            const std::string& extension, std::string* path) override;
+    bool ChooseFileToOpenIn(const std::string& directory, const std::string& title, const std::string& extension,
+                            std::string* path) override;
 
     // Scripting for tests: the next alerts press these buttons (by title), the next panels answer
     // these paths (an empty path cancels).
@@ -41,12 +60,23 @@ public:
     const std::vector<Alert>& Alerts() const { return m_alerts; }
     void ClearAlerts() { m_alerts.clear(); }
 
+    // The panels shown, in order, with what they were asked to show.
+    struct Panel {
+        bool save;
+        std::string title;
+        std::string directory;
+        std::string defaultName;
+        std::string extension;
+    };
+    const std::vector<Panel>& Panels() const { return m_panels; }
+
 private:
     bool NextPath(std::string* path);
 
     std::deque<std::string> m_buttons;
     std::deque<std::string> m_paths;
     std::vector<Alert> m_alerts;
+    std::vector<Panel> m_panels;
 };
 
 // The seam in use; headless unless something else was installed.

@@ -111,7 +111,6 @@ TEST_F(ModuleTest, ServicesNotYetOfferedAreNull)
 {
     IEffectLibrary* library = module->GetEffectsLibrary();
     EXPECT_EQ(library->GetFrameProcessor(), nullptr);
-    EXPECT_EQ(library->GetPresetSaver(), nullptr);
     EXPECT_EQ(library->GetLibraryServices(), nullptr);
     library->Release();
 }
