@@ -54,6 +54,16 @@ void ShowAlert(const char* title, const char* text)
     Platform::GetUserInterface().ShowAlert(title, text, std::vector<std::string>{kOkButton}, 0);
 }
 
+// For a failure that came as an exception, from the library's objects or from memory running
+// out: the user still learns that the file wasn't handled, if an alert can be shown at all.
+void TryToShowAlert(const char* title, const char* text)
+{
+    try {
+        ShowAlert(title, text);
+    } catch (...) {
+    }
+}
+
 // The chosen path as the fixed path buffer takes it: one that doesn't fit leaves the buffer
 // empty, and the file can then be neither written nor read.
 std::string FittedPath(const std::string& chosen)
@@ -166,6 +176,7 @@ int CPresetSaver::Save(OpaqueWindowPtr*, IEffectLibrary* library, unsigned int e
         }
         return 0;
     } catch (...) {
+        TryToShowAlert(kSaveFailedTitle, kSaveFailedText);
         return 1;
     }
 }
@@ -196,6 +207,7 @@ int CPresetSaver::Load(OpaqueWindowPtr*, IEffectLibrary* library, unsigned int e
         }
         return 0;
     } catch (...) {
+        TryToShowAlert(kLoadFailedTitle, kLoadFailedText);
         return 1;
     }
 }

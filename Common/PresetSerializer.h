@@ -23,9 +23,10 @@ public:
     // when the count is not 0 afterwards.
     static bool Get(TiXmlElement* element, CEffectPreset* preset, IEffectData* data);
 
-    // A file this system writes stays below 20 KiB and holds about a hundred tags. Anything far
-    // larger is not a preset, and the limits keep a hostile file from making the parser take
-    // unbounded time, memory or stack (it recurses once per level of nesting).
-    static const size_t kMaxFileBytes = 64 * 1024;
+    // The largest file this system writes is under 18 KiB and holds about a hundred tags.
+    // Anything far larger is not a preset, and the limits keep a hostile file from making the
+    // parser take long (it looks for duplicate attributes pairwise), much memory, or deep stack
+    // (it recurses once per level of nesting, a few hundred bytes each).
+    static const size_t kMaxFileBytes = 32 * 1024;
     static const size_t kMaxTags = 1024;
 };

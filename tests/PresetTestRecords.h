@@ -1,0 +1,91 @@
+#pragma once
+#include <cstdint>
+#include <cstring>
+#include <initializer_list>
+#include <string>
+
+#include "../include/EffectPreset.h"
+
+// Builders for preset records in tests: every byte of a record is set, so that records compare
+// over their whole size.
+namespace PresetTest {
+
+inline EffectParam Typed(uint32_t type)
+{
+    EffectParam parameter;
+    std::memset(&parameter, 0, sizeof parameter);
+    parameter.dwType = type;
+    return parameter;
+}
+
+inline EffectParam Float(float value)
+{
+    EffectParam parameter = Typed(eptFloat);
+    parameter.value.fValue = value;
+    return parameter;
+}
+
+inline EffectParam Integer(int32_t value, uint32_t type = eptInteger)
+{
+    EffectParam parameter = Typed(type);
+    parameter.value.nValue = value;
+    return parameter;
+}
+
+inline EffectParam Bool(uint8_t byte)
+{
+    EffectParam parameter = Typed(eptBool);
+    parameter.value.bytes[0] = byte;
+    return parameter;
+}
+
+inline EffectParam Point(float x, float y)
+{
+    EffectParam parameter = Typed(eptPoint);
+    parameter.value.ptValue.x = x;
+    parameter.value.ptValue.y = y;
+    return parameter;
+}
+
+inline CEffectPreset Record(const std::string& name, const std::string& library, const std::string& effect,
+                            std::initializer_list<EffectParam> parameters)
+{
+    CEffectPreset preset;
+    std::memset(&preset, 0, sizeof preset);
+    std::strncpy(preset.Name, name.c_str(), sizeof preset.Name - 1);
+    std::strncpy(preset.LibraryName, library.c_str(), sizeof preset.LibraryName - 1);
+    std::strncpy(preset.EffectName, effect.c_str(), sizeof preset.EffectName - 1);
+    for (const EffectParam& parameter : parameters)
+        preset.Params[preset.nCount++] = parameter;
+    return preset;
+}
+
+// A record full of a pattern that no load produces, to see what a refused load left alone.
+inline CEffectPreset Untouched()
+{
+    CEffectPreset preset;
+    std::memset(&preset, 0xA5, sizeof preset);
+    return preset;
+}
+
+inline bool SameBytes(const CEffectPreset& a, const CEffectPreset& b)
+{
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+inline bool SameBytes(const EffectParam& a, const EffectParam& b)
+{
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+inline uint32_t Bits(float value)
+{
+    uint32_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+}
+
+const char kLibraryName[] = "Tessarel Deglarer Pro";
+const char kEffectName[] = "Deglarer Pro";
+
+} // namespace PresetTest
