@@ -3,8 +3,8 @@
 #   ./setup.sh         install what is missing and build into build/
 #   ./setup.sh run     ... then run the demo host on its embedded clip
 #   ./setup.sh test    ... then run every test: the release build, a build under
-#                      AddressSanitizer + UndefinedBehaviorSanitizer, and the concurrency
-#                      tests under ThreadSanitizer
+#                      AddressSanitizer + UndefinedBehaviorSanitizer, the concurrency
+#                      tests under ThreadSanitizer, and the preset loader's fuzzer for a minute
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -68,6 +68,21 @@ case "${1:-}" in
       -DDEGLARER_BUILD_BENCH=OFF >/dev/null
     cmake --build build-tsan --target deglarer_concurrency -- -j"$(nproc)"
     TSAN_OPTIONS=halt_on_error=1 ctest --test-dir build-tsan -L concurrency --output-on-failure -j"$(nproc)"
+    # The preset loader under libFuzzer for a minute, from a copy of the seed corpus so that the
+    # files it finds stay out of the repository; any finding fails the run.
+    CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+      -DDEGLARER_BUILD_FUZZ=ON -DDEGLARER_BUILD_TESTS=OFF -DDEGLARER_BUILD_BENCH=OFF >/dev/null
+    cmake --build build-fuzz --target deglarer_preset_fuzzer -- -j"$(nproc)"
+    rm -rf build-fuzz/preset_corpus
+    cp -r tests/fuzz/preset_corpus build-fuzz/preset_corpus
+    if ! ./build-fuzz/tests/fuzz/deglarer_preset_fuzzer -max_total_time=60 -print_final_stats=1 \
+         -dict=tests/fuzz/preset.dict -artifact_prefix=build-fuzz/ build-fuzz/preset_corpus \
+         >build-fuzz/preset_fuzzer.log 2>&1; then
+      tail -n 60 build-fuzz/preset_fuzzer.log
+      echo "setup: the preset fuzzer found a fault; the input is in build-fuzz/" >&2
+      exit 1
+    fi
+    grep -E '^Done |stat::number_of_executed_units' build-fuzz/preset_fuzzer.log
     ;;
   "") ;;
   *)
