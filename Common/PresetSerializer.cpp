@@ -122,6 +122,27 @@ void WriteParameter(const EffectParam& parameter, TiXmlElement* element)
     }
 }
 
+void AppendParameters(TiXmlElement* element, const CEffectPreset& preset)
+{
+    const int count = ClampedCount(preset.nCount);
+    for (int index = 0; index < count; ++index) {
+        TiXmlElement parameter(kParameterElement);
+        WriteParameter(preset.Params[index], &parameter);
+        element->InsertEndChild(parameter);
+    }
+}
+
+// After the first "parameter" every sibling element counts, whatever its name; past the
+// hundredth they are passed over.
+void ReadParameters(const TiXmlElement* element, CEffectPreset* preset)
+{
+    int count = ClampedCount(preset->nCount);
+    for (const TiXmlElement* parameter = element->FirstChildElement(kParameterElement);
+         parameter != nullptr && count < kPresetMaxParams; parameter = parameter->NextSiblingElement())
+        preset->Params[count++] = ReadParameter(parameter);
+    preset->nCount = count;
+}
+
 // Each element, comment or declaration begins with '<', so their count bounds both the number
 // of nodes and the depth of nesting.
 bool WithinTagLimit(const std::string& text)
@@ -145,7 +166,7 @@ bool CPresetSerializer::Save(const char* path, CEffectPreset* preset)
         root->SetAttribute("Name", GetPresetName(preset->Name));
         root->SetAttribute("LibraryName", GetPresetName(preset->LibraryName));
         root->SetAttribute("EffectName", GetPresetName(preset->EffectName));
-        Add(root, preset, nullptr);
+        AppendParameters(root, *preset);
         return Platform::ReplaceWholeFile(path, [&document](FILE* file) { return document.SaveFile(file); });
     } catch (...) {
         return false;
@@ -178,9 +199,9 @@ bool CPresetSerializer::Load(const char* path, CEffectPreset* preset)
         SetPresetName(loaded.Name, root->Attribute("Name"));
         SetPresetName(loaded.LibraryName, root->Attribute("LibraryName"));
         SetPresetName(loaded.EffectName, root->Attribute("EffectName"));
-        const bool result = Get(root, &loaded, nullptr);
+        ReadParameters(root, &loaded);
         std::memcpy(preset, &loaded, sizeof loaded);
-        return result;
+        return preset->nCount != 0;
     } catch (...) {
         return false;
     }
@@ -192,12 +213,7 @@ int CPresetSerializer::Add(TiXmlElement* element, CEffectPreset* preset, IEffect
         return 0;
     try {
         Platform::ScopedCLocale classic;
-        const int count = ClampedCount(preset->nCount);
-        for (int index = 0; index < count; ++index) {
-            TiXmlElement parameter(kParameterElement);
-            WriteParameter(preset->Params[index], &parameter);
-            element->InsertEndChild(parameter);
-        }
+        AppendParameters(element, *preset);
     } catch (...) {
     }
     return 0;
@@ -209,13 +225,7 @@ bool CPresetSerializer::Get(TiXmlElement* element, CEffectPreset* preset, IEffec
         return false;
     try {
         Platform::ScopedCLocale classic;
-        int count = ClampedCount(preset->nCount);
-        // After the first "parameter" every sibling element counts, whatever its name; past the
-        // hundredth they are passed over.
-        for (const TiXmlElement* parameter = element->FirstChildElement(kParameterElement);
-             parameter != nullptr && count < kPresetMaxParams; parameter = parameter->NextSiblingElement())
-            preset->Params[count++] = ReadParameter(parameter);
-        preset->nCount = count;
+        ReadParameters(element, preset);
     } catch (...) {
     }
     return preset->nCount != 0;
