@@ -1,0 +1,136 @@
+// Every resize member on pictures that end (or start) exactly at an inaccessible page: a read past
+// the source picture, a write past the destination region or past the work space faults here.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "../primitives/ippResize.h"
+#include "GuardedBlock.h"
+#include "ResizeReference.h"
+#include "ResizeTestPicture.h"
+
+namespace {
+
+const int kModes[] = {IPPI_INTER_NN, IPPI_INTER_LINEAR, IPPI_INTER_CUBIC, IPPI_INTER_LANCZOS};
+const GuardedBlock::Guard kGuards[] = {GuardedBlock::Guard::AfterEnd, GuardedBlock::Guard::BeforeStart};
+
+// Regions that touch the picture's edges, pictures one sample wide or high, factors up and down.
+struct Geometry {
+    IppiSize src;
+    IppiRect roi;
+    double xFactor, yFactor;
+};
+const Geometry kGeometries[] = {
+    {{9, 9}, {0, 0, 9, 9}, 2.5, 0.4},   {{13, 6}, {4, 2, 9, 4}, 0.3, 3.2}, {{1, 7}, {0, 0, 1, 7}, 3.0, 1.5},
+    {{7, 1}, {3, 0, 4, 1}, 1.0, 2.0},   {{10, 12}, {9, 11, 1, 1}, 4.0, 4.0}, {{8, 8}, {0, 0, 8, 8}, 1.0, 1.0},
+};
+
+// A picture of samples in guarded memory: its last byte (or its first) touches the guard.
+struct GuardedPicture {
+    GuardedPicture(IppiSize pictureSize, int pixelBytes, GuardedBlock::Guard guard)
+        : size(pictureSize), step(pictureSize.width * pixelBytes),
+          block(static_cast<size_t>(step) * pictureSize.height, guard)
+    {
+    }
+    size_t Bytes() const { return static_cast<size_t>(step) * size.height; }
+
+    IppiSize size;
+    int step;
+    GuardedBlock block;
+};
+
+void FillRandom(GuardedPicture& picture, bool bytes, std::mt19937& rng)
+{
+    for (size_t i = 0; i < picture.Bytes(); i += bytes ? 1 : 4) {
+        const float sample = static_cast<float>(rng() % 256) / 255.0f;
+        if (bytes)
+            picture.block.Data()[i] = static_cast<uint8_t>(rng());
+        else
+            std::memcpy(picture.block.Data() + i, &sample, sizeof sample);
+    }
+}
+
+ResizeReference::Source SourceOf(GuardedPicture& picture, int channels, bool bytes)
+{
+    return {[&picture, channels, bytes](int x, int y, int c) {
+                const uint8_t* at = picture.block.Data() + static_cast<size_t>(y) * picture.step +
+                                    (static_cast<size_t>(x) * channels + c) * (bytes ? 1 : 4);
+                if (bytes)
+                    return double(*at);
+                float sample;
+                std::memcpy(&sample, at, sizeof sample);
+                return double(sample);
+            },
+            picture.size, channels, bytes};
+}
+
+int OutputLength(int length, double factor)
+{
+    return std::max(1, static_cast<int>(length * factor + 1e-7));
+}
+
+TEST(ResizeGuard, CornerMembersStayInsideSourcePictureAndDestinationRegion)
+{
+    std::mt19937 rng(31);
+    for (bool bytes : {true, false})
+        for (int mode : kModes)
+            for (const Geometry& g : kGeometries)
+                for (GuardedBlock::Guard guard : kGuards) {
+                    const int pixelBytes = bytes ? 4 : 16;
+                    GuardedPicture src(g.src, pixelBytes, guard);
+                    FillRandom(src, bytes, rng);
+                    const int w = std::min(g.roi.width, g.src.width - g.roi.x);
+                    const int h = std::min(g.roi.height, g.src.height - g.roi.y);
+                    const IppiSize dstRoiSize = {OutputLength(w, g.xFactor), OutputLength(h, g.yFactor)};
+                    GuardedPicture dst(dstRoiSize, pixelBytes, guard);
+                    std::memset(dst.block.Data(), TestPicture::kSentinel, dst.Bytes());
+                    const std::vector<uint8_t> before(dst.block.Data(), dst.block.Data() + dst.Bytes());
+                    ASSERT_EQ(ResizeCornersAt(bytes, src.block.Data(), g.src, src.step, g.roi, dst.block.Data(),
+                                              dst.step, dstRoiSize, g.xFactor, g.yFactor, mode),
+                              ippStsNoErr);
+                    const ResizeReference::Expected expected = ResizeReference::Corners(
+                        SourceOf(src, 4, bytes), g.roi, dstRoiSize, g.xFactor, g.yFactor, mode);
+                    ASSERT_TRUE(ResizeReference::Matches(expected, dst.block.Data(), dst.step, dst.size, before))
+                        << mode << " " << g.src.width << "x" << g.src.height;
+                }
+}
+
+// The destination region is smaller than the mapped picture, so that writes reach its last pixel;
+// shifts move the map over its first. The work space is exactly what ippiResizeGetBufSize gives.
+TEST(ResizeGuard, AreaMembersStayInsideSourceDestinationRegionAndWorkSpace)
+{
+    std::mt19937 rng(37);
+    for (bool bytes : {true, false})
+        for (int channels : {1, 4})
+            for (int mode : kModes)
+                for (const Geometry& g : kGeometries)
+                    for (GuardedBlock::Guard guard : kGuards) {
+                        const int pixelBytes = channels * (bytes ? 1 : 4);
+                        GuardedPicture src(g.src, pixelBytes, guard);
+                        FillRandom(src, bytes, rng);
+                        const int w = std::min(g.roi.width, g.src.width - g.roi.x);
+                        const int h = std::min(g.roi.height, g.src.height - g.roi.y);
+                        const double xShift = -g.roi.x * g.xFactor - 0.3, yShift = -g.roi.y * g.yFactor + 0.2;
+                        const IppiRect dstRoi = {0, 0, std::max(1, static_cast<int>(w * g.xFactor) - 1),
+                                                 std::max(1, static_cast<int>(h * g.yFactor) - 1)};
+                        GuardedPicture dst({dstRoi.width, dstRoi.height}, pixelBytes, guard);
+                        std::memset(dst.block.Data(), TestPicture::kSentinel, dst.Bytes());
+                        const std::vector<uint8_t> before(dst.block.Data(), dst.block.Data() + dst.Bytes());
+                        int workBytes = 0;
+                        ASSERT_EQ(ippiResizeGetBufSize(g.roi, dstRoi, channels, mode, &workBytes), ippStsNoErr);
+                        GuardedBlock work(static_cast<size_t>(workBytes), guard);
+                        const IppStatus status =
+                            ResizeAreasAt(bytes, channels, src.block.Data(), g.src, src.step, g.roi, dst.block.Data(),
+                                          dst.step, dstRoi, g.xFactor, g.yFactor, xShift, yShift, mode, work.Data());
+                        const ResizeReference::Expected expected = ResizeReference::Areas(
+                            SourceOf(src, channels, bytes), g.roi, dstRoi, g.xFactor, g.yFactor, xShift, yShift, mode);
+                        ASSERT_EQ(status, expected.columns > 0 ? ippStsNoErr : ippStsNoOperation);
+                        ASSERT_TRUE(ResizeReference::Matches(expected, dst.block.Data(), dst.step, dst.size, before))
+                            << mode << " " << g.src.width << "x" << g.src.height;
+                    }
+}
+
+} // namespace
