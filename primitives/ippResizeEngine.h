@@ -25,7 +25,7 @@ struct AxisTable {
     int samples = 0;             // the source picture's size along this axis
     int32_t* first = nullptr;    // first sample read
     float* weights = nullptr;    // cubic, Lanczos: TapCount weights a position; linear floats: the fraction
-    int32_t* fixed = nullptr;    // linear bytes: the second sample's weight, 14 fractional bits
+    int16_t* fixed = nullptr;    // linear bytes: the two samples' weights, 14 fractional bits, a pair a position
     int leftEdge = 0;            // linear, along rows: positions before this take the first sample
     int rightEdge = 0;           // linear, along rows: positions from this on take the last sample
 };
@@ -79,7 +79,9 @@ void TakeWork(Workspace& work, Job& job);
 // Work space that TakeWork needs, in bytes; samples of either type take 4 bytes in a store.
 int64_t WorkBytes(Kernel kernel, int channels, int columns, int rows);
 
-// Runs the resize: every output pixel of the two tables is written, nothing else.
+// Runs the resize: every output pixel of the two tables is written, nothing else. The plain
+// variant, and the same with SSE4.1 instructions, bit for bit, for processors that have them.
 void Resample(const Job& job);
+void ResampleSse41(const Job& job);
 
 } // namespace ResizeEngine

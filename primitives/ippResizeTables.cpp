@@ -202,10 +202,12 @@ void SetLinear(AxisTable& table, int position, int64_t index, double fraction, b
     if (left || right)
         fraction = 0;
     table.first[position] = static_cast<int32_t>(left ? 0 : right ? table.samples - 1 : index);
-    if (fixedPoint)
-        table.fixed[position] =
-            static_cast<int32_t>(std::min(1.0 * kFixedOne, std::max(0.0, fraction * kFixedOne + kFixedRounding)));
-    else
+    if (fixedPoint) {
+        const auto second =
+            static_cast<int16_t>(std::min(1.0 * kFixedOne, std::max(0.0, fraction * kFixedOne + kFixedRounding)));
+        table.fixed[2 * position] = static_cast<int16_t>(kFixedOne - second);
+        table.fixed[2 * position + 1] = second;
+    } else
         table.weights[position] = static_cast<float>(fraction);
 }
 
