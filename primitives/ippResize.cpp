@@ -81,9 +81,11 @@ void BuildAxis(AxisTable& table, Kernel kernel, bool fixedPoint, bool along, dou
     }
 }
 
+// The member's body; `resample` is the variant's engine.
 template <typename T>
 IppStatus ResizeCorners(const T* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, T* pDst, int dstStep,
-                        IppiSize dstRoiSize, double xFactor, double yFactor, int interpolation)
+                        IppiSize dstRoiSize, double xFactor, double yFactor, int interpolation,
+                        void (*resample)(const ResizeEngine::Job&))
 {
     if (pSrc == nullptr || pDst == nullptr)
         return ippStsNullPtrErr;
@@ -125,7 +127,7 @@ IppStatus ResizeCorners(const T* pSrc, IppiSize srcSize, int srcStep, IppiRect s
     ResizeEngine::TakeWork(work, job);
     BuildAxis(job.along, kernel, !job.floats, true, xFactor, regionWidth, srcRoi.x);
     BuildAxis(job.down, kernel, !job.floats, false, yFactor, regionHeight, srcRoi.y);
-    ResizeEngine::Resample(job);
+    resample(job);
     ippsFree(pWork);
     return ippStsNoErr;
 }
@@ -135,13 +137,29 @@ IppStatus ResizeCorners(const T* pSrc, IppiSize srcSize, int srcStep, IppiRect s
 IppStatus mx_ippiResize_8u_C4R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp8u* pDst,
                                int dstStep, IppiSize dstRoiSize, double xFactor, double yFactor, int interpolation)
 {
-    return ResizeCorners(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoiSize, xFactor, yFactor, interpolation);
+    return ResizeCorners(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoiSize, xFactor, yFactor, interpolation,
+                         ResizeEngine::Resample);
 }
 
 IppStatus mx_ippiResize_32f_C4R(const Ipp32f* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp32f* pDst,
                                 int dstStep, IppiSize dstRoiSize, double xFactor, double yFactor, int interpolation)
 {
-    return ResizeCorners(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoiSize, xFactor, yFactor, interpolation);
+    return ResizeCorners(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoiSize, xFactor, yFactor, interpolation,
+                         ResizeEngine::Resample);
+}
+
+IppStatus y8_ippiResize_8u_C4R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp8u* pDst,
+                               int dstStep, IppiSize dstRoiSize, double xFactor, double yFactor, int interpolation)
+{
+    return ResizeCorners(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoiSize, xFactor, yFactor, interpolation,
+                         ResizeEngine::ResampleSse41);
+}
+
+IppStatus y8_ippiResize_32f_C4R(const Ipp32f* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp32f* pDst,
+                                int dstStep, IppiSize dstRoiSize, double xFactor, double yFactor, int interpolation)
+{
+    return ResizeCorners(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoiSize, xFactor, yFactor, interpolation,
+                         ResizeEngine::ResampleSse41);
 }
 
 IppStatus ippiResize_8u_C4R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp8u* pDst,

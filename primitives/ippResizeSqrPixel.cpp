@@ -74,10 +74,11 @@ void BuildAxis(AxisTable& table, Kernel kernel, bool fixedPoint, bool along, dou
     }
 }
 
+// The members' body; `resample` is the variant's engine.
 template <typename T, int NCH>
 IppStatus ResizeAreas(const T* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, T* pDst, int dstStep,
                       IppiRect dstRoi, double xFactor, double yFactor, double xShift, double yShift,
-                      int interpolation, Ipp8u* pBuffer)
+                      int interpolation, Ipp8u* pBuffer, void (*resample)(const ResizeEngine::Job&))
 {
     if (pSrc == nullptr || pDst == nullptr || pBuffer == nullptr)
         return ippStsNullPtrErr;
@@ -114,7 +115,7 @@ IppStatus ResizeAreas(const T* pSrc, IppiSize srcSize, int srcStep, IppiRect src
     ResizeEngine::TakeWork(work, job);
     BuildAxis(job.along, kernel, !job.floats, true, xFactor, xShift, firstColumn);
     BuildAxis(job.down, kernel, !job.floats, false, yFactor, yShift, firstRow);
-    ResizeEngine::Resample(job);
+    resample(job);
     return ippStsNoErr;
 }
 
@@ -130,7 +131,7 @@ IppStatus mx_ippiResizeSqrPixel_8u_C1R(const Ipp8u* pSrc, IppiSize srcSize, int 
                                        double xShift, double yShift, int interpolation, Ipp8u* pBuffer)
 {
     return ResizeAreas<Ipp8u, 1>(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor, xShift,
-                                 yShift, interpolation, pBuffer);
+                                 yShift, interpolation, pBuffer, ResizeEngine::Resample);
 }
 
 IppStatus mx_ippiResizeSqrPixel_8u_C4R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi,
@@ -138,7 +139,7 @@ IppStatus mx_ippiResizeSqrPixel_8u_C4R(const Ipp8u* pSrc, IppiSize srcSize, int 
                                        double xShift, double yShift, int interpolation, Ipp8u* pBuffer)
 {
     return ResizeAreas<Ipp8u, 4>(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor, xShift,
-                                 yShift, interpolation, pBuffer);
+                                 yShift, interpolation, pBuffer, ResizeEngine::Resample);
 }
 
 IppStatus mx_ippiResizeSqrPixel_32f_C1R(const Ipp32f* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi,
@@ -146,7 +147,7 @@ IppStatus mx_ippiResizeSqrPixel_32f_C1R(const Ipp32f* pSrc, IppiSize srcSize, in
                                         double xShift, double yShift, int interpolation, Ipp8u* pBuffer)
 {
     return ResizeAreas<Ipp32f, 1>(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor, xShift,
-                                  yShift, interpolation, pBuffer);
+                                  yShift, interpolation, pBuffer, ResizeEngine::Resample);
 }
 
 IppStatus mx_ippiResizeSqrPixel_32f_C4R(const Ipp32f* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi,
@@ -154,7 +155,39 @@ IppStatus mx_ippiResizeSqrPixel_32f_C4R(const Ipp32f* pSrc, IppiSize srcSize, in
                                         double xShift, double yShift, int interpolation, Ipp8u* pBuffer)
 {
     return ResizeAreas<Ipp32f, 4>(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor, xShift,
-                                  yShift, interpolation, pBuffer);
+                                  yShift, interpolation, pBuffer, ResizeEngine::Resample);
+}
+
+IppStatus y8_ippiResizeSqrPixel_8u_C1R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi,
+                                       Ipp8u* pDst, int dstStep, IppiRect dstRoi, double xFactor, double yFactor,
+                                       double xShift, double yShift, int interpolation, Ipp8u* pBuffer)
+{
+    return ResizeAreas<Ipp8u, 1>(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor, xShift,
+                                 yShift, interpolation, pBuffer, ResizeEngine::ResampleSse41);
+}
+
+IppStatus y8_ippiResizeSqrPixel_8u_C4R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi,
+                                       Ipp8u* pDst, int dstStep, IppiRect dstRoi, double xFactor, double yFactor,
+                                       double xShift, double yShift, int interpolation, Ipp8u* pBuffer)
+{
+    return ResizeAreas<Ipp8u, 4>(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor, xShift,
+                                 yShift, interpolation, pBuffer, ResizeEngine::ResampleSse41);
+}
+
+IppStatus y8_ippiResizeSqrPixel_32f_C1R(const Ipp32f* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi,
+                                        Ipp32f* pDst, int dstStep, IppiRect dstRoi, double xFactor, double yFactor,
+                                        double xShift, double yShift, int interpolation, Ipp8u* pBuffer)
+{
+    return ResizeAreas<Ipp32f, 1>(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor, xShift,
+                                  yShift, interpolation, pBuffer, ResizeEngine::ResampleSse41);
+}
+
+IppStatus y8_ippiResizeSqrPixel_32f_C4R(const Ipp32f* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi,
+                                        Ipp32f* pDst, int dstStep, IppiRect dstRoi, double xFactor, double yFactor,
+                                        double xShift, double yShift, int interpolation, Ipp8u* pBuffer)
+{
+    return ResizeAreas<Ipp32f, 4>(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor, xShift,
+                                  yShift, interpolation, pBuffer, ResizeEngine::ResampleSse41);
 }
 
 // Nearest neighbour and linear take the fixed figures; cubic and Lanczos what their tables and row
