@@ -8,7 +8,7 @@
 
 // A picture of byte or float samples with padded rows, as the resize tests hand it to a member.
 struct TestPicture {
-    static const uint8_t kSentinel = 0xCD;
+    static constexpr uint8_t kSentinel = 0xCD;
 
     TestPicture(IppiSize size, int channels, bool bytes, int padBytes = 12);
 
