@@ -111,6 +111,9 @@ IppStatus ResizeAreas(const T* pSrc, IppiSize srcSize, int srcStep, IppiRect src
     job.along.samples = srcSize.width;
     job.down.samples = srcSize.height;
 
+    // A mapped area this large has no work space that ippiResizeGetBufSize could have given.
+    if (ResizeEngine::WorkBytes(kernel, NCH, job.along.count, job.down.count) > INT32_MAX)
+        return ippStsSizeErr;
     ResizeEngine::Workspace work(pBuffer);
     ResizeEngine::TakeWork(work, job);
     BuildAxis(job.along, kernel, !job.floats, true, xFactor, xShift, firstColumn);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <random>
 #include <vector>
 
@@ -131,6 +132,35 @@ TEST(ResizeGuard, AreaMembersStayInsideSourceDestinationRegionAndWorkSpace)
                         ASSERT_TRUE(ResizeReference::Matches(expected, dst.block.Data(), dst.step, dst.size, before))
                             << mode << " " << g.src.width << "x" << g.src.height;
                     }
+}
+
+// Factors and shifts at the ends of double precision read the edge samples or map to nothing;
+// they never reach past the pictures.
+TEST(ResizeGuard, ExtremeFactorsAndShiftsStayInside)
+{
+    const double inf = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
+    const double factors[] = {1e-300, 4.9e-324, 1e300, inf, 1.0};
+    const double shifts[] = {0.0, -1e300, 1e300, -inf, nan, -3e9};
+    std::mt19937 rng(67);
+    for (int mode : kModes)
+        for (double xFactor : factors)
+            for (double yFactor : {1.0, xFactor})
+                for (double shift : shifts) {
+                    GuardedPicture src({9, 9}, 4, GuardedBlock::Guard::AfterEnd);
+                    GuardedPicture dst({6, 5}, 4, GuardedBlock::Guard::AfterEnd);
+                    FillRandom(src, true, rng);
+                    const IppiRect whole = {0, 0, 9, 9}, dstRoi = {0, 0, 6, 5};
+                    int workBytes = 0;
+                    ASSERT_EQ(ippiResizeGetBufSize(whole, dstRoi, 4, mode, &workBytes), ippStsNoErr);
+                    GuardedBlock work(static_cast<size_t>(workBytes), GuardedBlock::Guard::AfterEnd);
+                    const IppStatus corners = ippiResize_8u_C4R(src.block.Data(), src.size, src.step, whole,
+                                                                dst.block.Data(), dst.step, {6, 5}, xFactor, yFactor, mode);
+                    EXPECT_TRUE(corners == ippStsNoErr || corners == ippStsResizeNoOperationErr) << corners;
+                    const IppStatus areas = ippiResizeSqrPixel_8u_C4R(src.block.Data(), src.size, src.step, whole,
+                                                                      dst.block.Data(), dst.step, dstRoi, xFactor,
+                                                                      yFactor, shift, -shift, mode, work.Data());
+                    EXPECT_TRUE(areas == ippStsNoErr || areas == ippStsNoOperation) << areas;
+                }
 }
 
 } // namespace

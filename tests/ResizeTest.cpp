@@ -51,6 +51,8 @@ TEST(Resize, RefusesBadArgumentsInOrderWithoutWriting)
         {"below half a pixel", false, false, {8, 8}, {0, 0, 8, 8}, {8, 8}, 0.06, 1, 2, ippStsResizeNoOperationErr},
         {"region cut to the picture is below half a pixel", false, false, {8, 8}, {7, 0, 50, 8}, {8, 8}, 0.45, 1, 2,
          ippStsResizeNoOperationErr},
+        {"tables too large to allocate", false, false, {8, 8}, {0, 0, 8, 8}, {INT32_MAX, 8}, 1e9, 1, 2,
+         ippStsMemAllocErr},
         {"half a pixel gives one", false, false, {8, 8}, {0, 0, 8, 8}, {8, 8}, 0.0625, 1, 2, ippStsNoErr},
     };
     std::mt19937 rng(1);
