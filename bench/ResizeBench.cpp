@@ -97,7 +97,8 @@ void BM_Resize8uC4(benchmark::State& state)
 #ifdef DEGLARER_HAVE_OPENCV
     state.counters["x_opencv"] = seconds / OpenCvSeconds(src, c, interpolation);
 #endif
-    state.SetLabel(std::string(kVariantNames[variant]) + (areas ? " SqrPixel " : " Resize ") + (interpolation == IPPI_INTER_LINEAR ? "linear " : "cubic ") +
+    state.SetLabel(std::string(kVariantNames[variant]) + (areas ? " SqrPixel " : " Resize ") +
+                   (interpolation == IPPI_INTER_LINEAR ? "linear " : "cubic ") +
                    std::to_string(c.src.width) + "x" + std::to_string(c.src.height) + " to " +
                    std::to_string(c.dst.width) + "x" + std::to_string(c.dst.height));
 }
@@ -114,7 +115,9 @@ void BM_OpenCvResize8uC4(benchmark::State& state)
         benchmark::DoNotOptimize(out.data);
     }
 }
-BENCHMARK(BM_OpenCvResize8uC4)->ArgsProduct({{0, 1}, {IPPI_INTER_LINEAR, IPPI_INTER_CUBIC}})->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_OpenCvResize8uC4)
+    ->ArgsProduct({{0, 1}, {IPPI_INTER_LINEAR, IPPI_INTER_CUBIC}})
+    ->Unit(benchmark::kMillisecond);
 #endif
 
 } // namespace

@@ -16,17 +16,12 @@ using ResizeEngine::Kernel;
 
 const double kIndexLift = 1e-7;   // a position a hair short of a sample counts as on it
 
-// A small picture has too few samples for the wider kernels.
+// Corner-to-corner Lanczos wants 8 samples each way; below 2 only nearest neighbour is left.
 Kernel ReduceForSmallPicture(Kernel kernel, IppiSize srcSize)
 {
-    const int smaller = std::min(srcSize.width, srcSize.height);
-    if (kernel == Kernel::Lanczos && smaller < 8)
-        kernel = Kernel::Cubic;
-    if (kernel == Kernel::Cubic && smaller < 4)
-        kernel = Kernel::Linear;
-    if (smaller < 2)
-        kernel = Kernel::Nearest;
-    return kernel;
+    if (std::min(srcSize.width, srcSize.height) < 2)
+        return Kernel::Nearest;
+    return ResizeEngine::NarrowForSmallPicture(kernel, srcSize.width, srcSize.height, 8);
 }
 
 // The output's length along one axis; false when the scaled region is below half a pixel.

@@ -12,6 +12,10 @@ enum class Kernel { Nearest, Linear, Cubic, Lanczos };
 // The kernel of an interpolation value; false for a value the members refuse.
 bool KernelOf(int interpolation, Kernel& kernel);
 
+// A picture with fewer samples in either direction than a kernel wants takes the next narrower
+// one: Lanczos below `lanczosSamples`, cubic below 4.
+Kernel NarrowForSmallPicture(Kernel kernel, int width, int height, int lanczosSamples);
+
 // Samples read along one axis for one output position.
 int TapCount(Kernel kernel);
 

@@ -110,7 +110,8 @@ void DownWeightedBytes(const float* const* rows, const float* w, uint8_t* __rest
 {
     int i = 0;
     for (; i + 16 <= length; i += 16) {
-        const __m128i first = _mm_packs_epi32(DownWeightedFour<TAPS>(rows, w, i), DownWeightedFour<TAPS>(rows, w, i + 4));
+        const __m128i first =
+            _mm_packs_epi32(DownWeightedFour<TAPS>(rows, w, i), DownWeightedFour<TAPS>(rows, w, i + 4));
         const __m128i second =
             _mm_packs_epi32(DownWeightedFour<TAPS>(rows, w, i + 8), DownWeightedFour<TAPS>(rows, w, i + 12));
         _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(first, second));

@@ -174,7 +174,10 @@ struct LinearPasses {
 template <int TAPS, typename T, int NCH>
 struct WeightedPasses {
     using Store = float;
-    static void Along(const T* src, const AxisTable& along, Store* out) { AlongWeighted<TAPS, T, NCH>(src, along, out); }
+    static void Along(const T* src, const AxisTable& along, Store* out)
+    {
+        AlongWeighted<TAPS, T, NCH>(src, along, out);
+    }
     static void Down(const Store* const* rows, const AxisTable& down, int y, T* out, int length)
     {
         DownWeighted<TAPS>(rows, down.weights + static_cast<ptrdiff_t>(y) * TAPS, out, length);

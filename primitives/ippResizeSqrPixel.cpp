@@ -21,16 +21,6 @@ bool RectHolds(IppiRect rect)
     return rect.x >= 0 && rect.y >= 0 && rect.width >= 1 && rect.height >= 1;
 }
 
-Kernel ReduceForSmallPicture(Kernel kernel, IppiSize srcSize)
-{
-    const int smaller = std::min(srcSize.width, srcSize.height);
-    if (kernel == Kernel::Lanczos && smaller < 6)
-        kernel = Kernel::Cubic;
-    if (kernel == Kernel::Cubic && smaller < 4)
-        kernel = Kernel::Linear;
-    return kernel;
-}
-
 // Destination pixels, along one axis, whose centres lie in the mapped source region and in the
 // destination's region; false when there are none.
 bool MappedSpan(int regionStart, int regionLength, double factor, double shift, int roiStart, int roiLength,
@@ -89,7 +79,7 @@ IppStatus ResizeAreas(const T* pSrc, IppiSize srcSize, int srcStep, IppiRect src
     Kernel kernel;
     if (!ResizeEngine::KernelOf(interpolation, kernel))
         return ippStsInterpolationErr;
-    kernel = ReduceForSmallPicture(kernel, srcSize);
+    kernel = ResizeEngine::NarrowForSmallPicture(kernel, srcSize.width, srcSize.height, 6);
     if (srcRoi.x >= srcSize.width || srcRoi.y >= srcSize.height)
         return ippStsWrongIntersectROI;
 
@@ -213,8 +203,8 @@ IppStatus mx_ippiResizeGetBufSize(IppiRect srcRoi, IppiRect dstRoi, int nChannel
     switch (kernel) {
     case Kernel::Nearest: size = indices + 16; break;
     case Kernel::Linear:
-        size = indices + 4 * (RoundUp(width, 64) + RoundUp(height, 64)) + 4 * nChannel * ((2 * width + 127) & ~int64_t{63}) +
-               16;
+        size = indices + 4 * (RoundUp(width, 64) + RoundUp(height, 64)) +
+               4 * nChannel * ((2 * width + 127) & ~int64_t{63}) + 16;
         break;
     case Kernel::Cubic:
     case Kernel::Lanczos: size = ResizeEngine::WorkBytes(kernel, nChannel, dstRoi.width, dstRoi.height); break;

@@ -151,6 +151,16 @@ bool KernelOf(int interpolation, Kernel& kernel)
     }
 }
 
+Kernel NarrowForSmallPicture(Kernel kernel, int width, int height, int lanczosSamples)
+{
+    const int smaller = std::min(width, height);
+    if (kernel == Kernel::Lanczos && smaller < lanczosSamples)
+        kernel = Kernel::Cubic;
+    if (kernel == Kernel::Cubic && smaller < kCubicTaps)
+        kernel = Kernel::Linear;
+    return kernel;
+}
+
 int TapCount(Kernel kernel)
 {
     switch (kernel) {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <vector>
@@ -29,45 +28,6 @@ const Geometry kGeometries[] = {
     {{7, 1}, {3, 0, 4, 1}, 1.0, 2.0},   {{10, 12}, {9, 11, 1, 1}, 4.0, 4.0}, {{8, 8}, {0, 0, 8, 8}, 1.0, 1.0},
 };
 
-// A picture of samples in guarded memory: its last byte (or its first) touches the guard.
-struct GuardedPicture {
-    GuardedPicture(IppiSize pictureSize, int pixelBytes, GuardedBlock::Guard guard)
-        : size(pictureSize), step(pictureSize.width * pixelBytes),
-          block(static_cast<size_t>(step) * pictureSize.height, guard)
-    {
-    }
-    size_t Bytes() const { return static_cast<size_t>(step) * size.height; }
-
-    IppiSize size;
-    int step;
-    GuardedBlock block;
-};
-
-void FillRandom(GuardedPicture& picture, bool bytes, std::mt19937& rng)
-{
-    for (size_t i = 0; i < picture.Bytes(); i += bytes ? 1 : 4) {
-        const float sample = static_cast<float>(rng() % 256) / 255.0f;
-        if (bytes)
-            picture.block.Data()[i] = static_cast<uint8_t>(rng());
-        else
-            std::memcpy(picture.block.Data() + i, &sample, sizeof sample);
-    }
-}
-
-ResizeReference::Source SourceOf(GuardedPicture& picture, int channels, bool bytes)
-{
-    return {[&picture, channels, bytes](int x, int y, int c) {
-                const uint8_t* at = picture.block.Data() + static_cast<size_t>(y) * picture.step +
-                                    (static_cast<size_t>(x) * channels + c) * (bytes ? 1 : 4);
-                if (bytes)
-                    return double(*at);
-                float sample;
-                std::memcpy(&sample, at, sizeof sample);
-                return double(sample);
-            },
-            picture.size, channels, bytes};
-}
-
 int OutputLength(int length, double factor)
 {
     return std::max(1, static_cast<int>(length * factor + 1e-7));
@@ -80,21 +40,17 @@ TEST(ResizeGuard, CornerMembersStayInsideSourcePictureAndDestinationRegion)
         for (int mode : kModes)
             for (const Geometry& g : kGeometries)
                 for (GuardedBlock::Guard guard : kGuards) {
-                    const int pixelBytes = bytes ? 4 : 16;
-                    GuardedPicture src(g.src, pixelBytes, guard);
-                    FillRandom(src, bytes, rng);
+                    TestPicture src(g.src, 4, bytes, guard);
+                    src.FillRandom(rng);
                     const int w = std::min(g.roi.width, g.src.width - g.roi.x);
                     const int h = std::min(g.roi.height, g.src.height - g.roi.y);
                     const IppiSize dstRoiSize = {OutputLength(w, g.xFactor), OutputLength(h, g.yFactor)};
-                    GuardedPicture dst(dstRoiSize, pixelBytes, guard);
-                    std::memset(dst.block.Data(), TestPicture::kSentinel, dst.Bytes());
-                    const std::vector<uint8_t> before(dst.block.Data(), dst.block.Data() + dst.Bytes());
-                    ASSERT_EQ(ResizeCornersAt(bytes, src.block.Data(), g.src, src.step, g.roi, dst.block.Data(),
-                                              dst.step, dstRoiSize, g.xFactor, g.yFactor, mode),
-                              ippStsNoErr);
-                    const ResizeReference::Expected expected = ResizeReference::Corners(
-                        SourceOf(src, 4, bytes), g.roi, dstRoiSize, g.xFactor, g.yFactor, mode);
-                    ASSERT_TRUE(ResizeReference::Matches(expected, dst.block.Data(), dst.step, dst.size, before))
+                    TestPicture dst(dstRoiSize, 4, bytes, guard);
+                    const std::vector<uint8_t> before = dst.Bytes();
+                    ASSERT_EQ(ResizeCorners(src, g.roi, dst, dstRoiSize, g.xFactor, g.yFactor, mode), ippStsNoErr);
+                    const ResizeReference::Expected expected =
+                        ResizeReference::Corners(src.AsSource(), g.roi, dstRoiSize, g.xFactor, g.yFactor, mode);
+                    ASSERT_TRUE(ResizeReference::Matches(expected, dst.Origin(), dst.step, dst.size, before))
                         << mode << " " << g.src.width << "x" << g.src.height;
                 }
 }
@@ -109,27 +65,25 @@ TEST(ResizeGuard, AreaMembersStayInsideSourceDestinationRegionAndWorkSpace)
             for (int mode : kModes)
                 for (const Geometry& g : kGeometries)
                     for (GuardedBlock::Guard guard : kGuards) {
-                        const int pixelBytes = channels * (bytes ? 1 : 4);
-                        GuardedPicture src(g.src, pixelBytes, guard);
-                        FillRandom(src, bytes, rng);
+                        TestPicture src(g.src, channels, bytes, guard);
+                        src.FillRandom(rng);
                         const int w = std::min(g.roi.width, g.src.width - g.roi.x);
                         const int h = std::min(g.roi.height, g.src.height - g.roi.y);
                         const double xShift = -g.roi.x * g.xFactor - 0.3, yShift = -g.roi.y * g.yFactor + 0.2;
                         const IppiRect dstRoi = {0, 0, std::max(1, static_cast<int>(w * g.xFactor) - 1),
                                                  std::max(1, static_cast<int>(h * g.yFactor) - 1)};
-                        GuardedPicture dst({dstRoi.width, dstRoi.height}, pixelBytes, guard);
-                        std::memset(dst.block.Data(), TestPicture::kSentinel, dst.Bytes());
-                        const std::vector<uint8_t> before(dst.block.Data(), dst.block.Data() + dst.Bytes());
+                        TestPicture dst({dstRoi.width, dstRoi.height}, channels, bytes, guard);
+                        const std::vector<uint8_t> before = dst.Bytes();
                         int workBytes = 0;
                         ASSERT_EQ(ippiResizeGetBufSize(g.roi, dstRoi, channels, mode, &workBytes), ippStsNoErr);
                         GuardedBlock work(static_cast<size_t>(workBytes), guard);
                         const IppStatus status =
-                            ResizeAreasAt(bytes, channels, src.block.Data(), g.src, src.step, g.roi, dst.block.Data(),
-                                          dst.step, dstRoi, g.xFactor, g.yFactor, xShift, yShift, mode, work.Data());
+                            ResizeAreasAt(bytes, channels, src.Origin(), g.src, src.step, g.roi, dst.Origin(), dst.step,
+                                          dstRoi, g.xFactor, g.yFactor, xShift, yShift, mode, work.Data());
                         const ResizeReference::Expected expected = ResizeReference::Areas(
-                            SourceOf(src, channels, bytes), g.roi, dstRoi, g.xFactor, g.yFactor, xShift, yShift, mode);
+                            src.AsSource(), g.roi, dstRoi, g.xFactor, g.yFactor, xShift, yShift, mode);
                         ASSERT_EQ(status, expected.columns > 0 ? ippStsNoErr : ippStsNoOperation);
-                        ASSERT_TRUE(ResizeReference::Matches(expected, dst.block.Data(), dst.step, dst.size, before))
+                        ASSERT_TRUE(ResizeReference::Matches(expected, dst.Origin(), dst.step, dst.size, before))
                             << mode << " " << g.src.width << "x" << g.src.height;
                     }
 }
@@ -146,19 +100,19 @@ TEST(ResizeGuard, ExtremeFactorsAndShiftsStayInside)
         for (double xFactor : factors)
             for (double yFactor : {1.0, xFactor})
                 for (double shift : shifts) {
-                    GuardedPicture src({9, 9}, 4, GuardedBlock::Guard::AfterEnd);
-                    GuardedPicture dst({6, 5}, 4, GuardedBlock::Guard::AfterEnd);
-                    FillRandom(src, true, rng);
+                    TestPicture src({9, 9}, 4, true, GuardedBlock::Guard::AfterEnd);
+                    TestPicture dst({6, 5}, 4, true, GuardedBlock::Guard::AfterEnd);
+                    src.FillRandom(rng);
                     const IppiRect whole = {0, 0, 9, 9}, dstRoi = {0, 0, 6, 5};
                     int workBytes = 0;
                     ASSERT_EQ(ippiResizeGetBufSize(whole, dstRoi, 4, mode, &workBytes), ippStsNoErr);
                     GuardedBlock work(static_cast<size_t>(workBytes), GuardedBlock::Guard::AfterEnd);
-                    const IppStatus corners = ippiResize_8u_C4R(src.block.Data(), src.size, src.step, whole,
-                                                                dst.block.Data(), dst.step, {6, 5}, xFactor, yFactor, mode);
+                    const IppStatus corners =
+                        ResizeCorners(src, whole, dst, dst.size, xFactor, yFactor, mode);
                     EXPECT_TRUE(corners == ippStsNoErr || corners == ippStsResizeNoOperationErr) << corners;
-                    const IppStatus areas = ippiResizeSqrPixel_8u_C4R(src.block.Data(), src.size, src.step, whole,
-                                                                      dst.block.Data(), dst.step, dstRoi, xFactor,
-                                                                      yFactor, shift, -shift, mode, work.Data());
+                    const IppStatus areas =
+                        ResizeAreasAt(true, 4, src.Origin(), src.size, src.step, whole, dst.Origin(), dst.step, dstRoi,
+                                      xFactor, yFactor, shift, -shift, mode, work.Data());
                     EXPECT_TRUE(areas == ippStsNoErr || areas == ippStsNoOperation) << areas;
                 }
 }

@@ -31,7 +31,10 @@ struct TestFrame {
                 bytes[i] = static_cast<uint8_t>(rng());
         }
     }
-    uint8_t* Pixel(int x, int y) { return bytes.data() + static_cast<size_t>(y) * span + static_cast<size_t>(x) * frame.m_nDepth; }
+    uint8_t* Pixel(int x, int y)
+    {
+        return bytes.data() + static_cast<size_t>(y) * span + static_cast<size_t>(x) * frame.m_nDepth;
+    }
 
     int span;
     std::vector<uint8_t> bytes;
@@ -61,15 +64,15 @@ std::vector<uint8_t> Direct(TestFrame& src, tagRECT srcRect, TestFrame& dst, tag
 {
     std::vector<uint8_t> out = dst.bytes;
     const IppiSize srcSize = {srcRect.right - srcRect.left, srcRect.bottom - srcRect.top};
+    const IppiRect srcRoi = {0, 0, srcSize.width, srcSize.height};
     const IppiRect dstRoi = {0, 0, dstRect.right - dstRect.left, dstRect.bottom - dstRect.top};
     int bytes = 0;
-    EXPECT_EQ(ippiResizeGetBufSize({0, 0, srcSize.width, srcSize.height}, dstRoi, format.channels, interpolation, &bytes),
-              ippStsNoErr);
+    EXPECT_EQ(ippiResizeGetBufSize(srcRoi, dstRoi, format.channels, interpolation, &bytes), ippStsNoErr);
     std::vector<uint8_t> work(bytes);
     uint8_t* dstStart = out.data() + static_cast<size_t>(dstRect.top) * dst.span +
                         static_cast<size_t>(dstRect.left) * format.depth;
     EXPECT_EQ(ResizeAreasAt(!format.floats, format.channels, src.Pixel(srcRect.left, srcRect.top), srcSize, src.span,
-                            {0, 0, srcSize.width, srcSize.height}, dstStart, dst.span, dstRoi, xFactor, yFactor,
+                            srcRoi, dstStart, dst.span, dstRoi, xFactor, yFactor,
                             xShift, yShift, interpolation, work.data()),
               ippStsNoErr);
     return out;
@@ -182,7 +185,8 @@ TEST(ResizeProcessor, RefusesWithoutWritingOrIgnoresUnknownFormats)
         EXPECT_EQ(dst.bytes, before) << c.what;
     }
     TestFrame frame(8, 8, 4, pfVideoSample);
-    EXPECT_FALSE(Processors::CResize().Process(nullptr, &frame.frame, Rect(0, 0, 8, 8), Rect(0, 0, 8, 8), 1, 0, 0, 0, 0));
+    EXPECT_FALSE(
+        Processors::CResize().Process(nullptr, &frame.frame, Rect(0, 0, 8, 8), Rect(0, 0, 8, 8), 1, 0, 0, 0, 0));
 }
 
 } // namespace

@@ -68,16 +68,16 @@ TEST(ResizeSqrPixel, RefusesBadArgumentsInOrderWithoutWriting)
             TestPicture src({8, 8}, form.channels, form.bytes), dst({8, 8}, form.channels, form.bytes);
             src.FillRandom(rng);
             std::vector<uint8_t> buffer(100000);
-            const std::vector<uint8_t> before = dst.data;
+            const std::vector<uint8_t> before = dst.Bytes();
             const IppStatus status = ResizeAreasAt(
                 form.bytes, form.channels, c.nullSrc ? nullptr : src.Origin(), c.srcSize, src.step, c.roi,
                 c.nullDst ? nullptr : dst.Origin(), dst.step, c.dstRoi, c.xFactor, 1.0, c.xShift, 0.0,
                 c.interpolation, c.nullBuffer ? nullptr : buffer.data());
             EXPECT_EQ(status, c.status) << c.what;
             if (status != ippStsNoErr)
-                EXPECT_EQ(dst.data, before) << c.what;
+                EXPECT_EQ(dst.Bytes(), before) << c.what;
             else
-                EXPECT_NE(dst.data, before) << c.what;
+                EXPECT_NE(dst.Bytes(), before) << c.what;
         }
 }
 
@@ -102,7 +102,7 @@ TEST(ResizeSqrPixel, MatchesDirectEvaluationOnRandomPictures)
         const double xFactor = factors[pick(0, 9)], yFactor = factors[pick(0, 9)];
         const double xShift = shifts[pick(0, 7)], yShift = shifts[pick(0, 7)];
         TestPicture dst({60, 60}, form.channels, form.bytes);
-        const std::vector<uint8_t> before = dst.data;
+        const std::vector<uint8_t> before = dst.Bytes();
         const ResizeReference::Expected expected =
             ResizeReference::Areas(src.AsSource(), roi, dstRoi, xFactor, yFactor, xShift, yShift, mode);
         const IppStatus status = ResizeAreas(src, roi, dst, dstRoi, xFactor, yFactor, xShift, yShift, mode);
@@ -140,13 +140,13 @@ TEST(ResizeSqrPixel, WholeShiftMovesThePicture)
         for (int mode : kModes) {
             TestPicture src({9, 8}, form.channels, form.bytes), dst({9, 8}, form.channels, form.bytes);
             src.FillRandom(rng);
-            const std::vector<uint8_t> before = dst.data;
+            const std::vector<uint8_t> before = dst.Bytes();
             ASSERT_EQ(ResizeAreas(src, Whole(src), dst, Whole(dst), 1.0, 1.0, 2.0, -1.0, mode), ippStsNoErr);
             for (int y = 0; y < 8; ++y)
                 for (int x = 0; x < 9; ++x)
                     for (int c = 0; c < form.channels; ++c) {
                         if (x < 2 || y == 7)
-                            ASSERT_EQ(dst.data[dst.Offset(x, y, c)], before[dst.Offset(x, y, c)]) << x << "," << y;
+                            ASSERT_EQ(dst.Origin()[dst.Offset(x, y, c)], before[dst.Offset(x, y, c)]) << x << "," << y;
                         else
                             ASSERT_EQ(dst.Get(x, y, c), src.Get(x - 2, y + 1, c)) << mode << " " << x << "," << y;
                     }
@@ -207,7 +207,7 @@ TEST(ResizeSqrPixel, SmallPicturesFallBackToNarrowerKernels)
             src.FillRandom(rng);
             ASSERT_EQ(ResizeAreas(src, Whole(src), asked, Whole(asked), 2.3, 2.1, 0.4, 0.1, c.asked), ippStsNoErr);
             ASSERT_EQ(ResizeAreas(src, Whole(src), used, Whole(used), 2.3, 2.1, 0.4, 0.1, c.used), ippStsNoErr);
-            EXPECT_EQ(asked.data, used.data) << c.size.width << "x" << c.size.height << " " << c.asked;
+            EXPECT_EQ(asked.Bytes(), used.Bytes()) << c.size.width << "x" << c.size.height << " " << c.asked;
         }
 }
 

@@ -60,16 +60,16 @@ TEST(Resize, RefusesBadArgumentsInOrderWithoutWriting)
         for (const Case& c : cases) {
             TestPicture src({8, 8}, 4, bytes), dst({8, 8}, 4, bytes);
             src.FillRandom(rng);
-            const std::vector<uint8_t> before = dst.data;
+            const std::vector<uint8_t> before = dst.Bytes();
             const IppStatus status =
                 ResizeCornersAt(bytes, c.nullSrc ? nullptr : src.Origin(), c.srcSize, src.step, c.roi,
                                 c.nullDst ? nullptr : dst.Origin(), dst.step, c.dstRoiSize, c.xFactor, c.yFactor,
                                 c.interpolation);
             EXPECT_EQ(status, c.status) << c.what;
             if (status != ippStsNoErr)
-                EXPECT_EQ(dst.data, before) << c.what;
+                EXPECT_EQ(dst.Bytes(), before) << c.what;
             else
-                EXPECT_NE(dst.data, before) << c.what;
+                EXPECT_NE(dst.Bytes(), before) << c.what;
         }
 }
 
@@ -91,7 +91,7 @@ TEST(Resize, MatchesDirectEvaluationOnRandomPictures)
         const double xFactor = factors[pick(0, 9)], yFactor = factors[pick(0, 9)];
         const IppiSize dstRoiSize = {pick(1, 60), pick(1, 60)};
         TestPicture dst({60, 60}, 4, bytes);
-        const std::vector<uint8_t> before = dst.data;
+        const std::vector<uint8_t> before = dst.Bytes();
         const ResizeReference::Expected expected =
             ResizeReference::Corners(src.AsSource(), roi, dstRoiSize, xFactor, yFactor, mode);
         const IppStatus status = ResizeCorners(src, roi, dst, dstRoiSize, xFactor, yFactor, mode);
@@ -137,7 +137,8 @@ TEST(Resize, ConstantPictureStaysConstant)
                         for (int c = 0; c < 4; ++c)
                             src.Set(x, y, c, levels[c]);
                 ASSERT_EQ(ResizeCorners(src, Whole(src), dst, {40, 40}, factor[0], factor[1], mode), ippStsNoErr);
-                const int columns = static_cast<int>(13 * factor[0] + 1e-7), rows = static_cast<int>(10 * factor[1] + 1e-7);
+                const int columns = static_cast<int>(13 * factor[0] + 1e-7);
+                const int rows = static_cast<int>(10 * factor[1] + 1e-7);
                 for (int y = 0; y < rows; ++y)
                     for (int x = 0; x < columns; ++x)
                         for (int c = 0; c < 4; ++c)
@@ -205,11 +206,11 @@ TEST(Resize, SmallPicturesFallBackToNarrowerKernels)
             const IppiSize dstSize = {250, 250};
             ASSERT_EQ(ResizeCorners(src, Whole(src), asked, dstSize, 2.3, 1.3, c.asked), ippStsNoErr);
             ASSERT_EQ(ResizeCorners(src, Whole(src), used, dstSize, 2.3, 1.3, c.used), ippStsNoErr);
-            EXPECT_EQ(asked.data, used.data) << c.size.width << "x" << c.size.height << " " << c.asked;
+            EXPECT_EQ(asked.Bytes(), used.Bytes()) << c.size.width << "x" << c.size.height << " " << c.asked;
             const int narrower = c.used == IPPI_INTER_NN ? IPPI_INTER_LINEAR : IPPI_INTER_NN;
             if (c.used != IPPI_INTER_NN) {
                 ASSERT_EQ(ResizeCorners(src, Whole(src), other, dstSize, 2.3, 1.3, narrower), ippStsNoErr);
-                EXPECT_NE(asked.data, other.data) << "the fall-back differs from the next kernel";
+                EXPECT_NE(asked.Bytes(), other.Bytes()) << "the fall-back differs from the next kernel";
             }
         }
 }

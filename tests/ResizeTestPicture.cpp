@@ -1,5 +1,6 @@
 #include "ResizeTestPicture.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "../primitives/ippResize.h"
@@ -7,8 +8,22 @@
 TestPicture::TestPicture(IppiSize pictureSize, int pictureChannels, bool byteSamples, int padBytes)
     : size(pictureSize), channels(pictureChannels), bytes(byteSamples),
       step(pictureSize.width * pictureChannels * (byteSamples ? 1 : 4) + padBytes),
-      data(static_cast<size_t>(step) * pictureSize.height, kSentinel)
+      m_memory(static_cast<size_t>(step) * pictureSize.height, kSentinel), m_pOrigin(m_memory.data())
 {
+}
+
+TestPicture::TestPicture(IppiSize pictureSize, int pictureChannels, bool byteSamples, GuardedBlock::Guard guard)
+    : size(pictureSize), channels(pictureChannels), bytes(byteSamples),
+      step(pictureSize.width * pictureChannels * (byteSamples ? 1 : 4)),
+      m_pGuarded(std::make_unique<GuardedBlock>(static_cast<size_t>(step) * pictureSize.height, guard)),
+      m_pOrigin(m_pGuarded->Data())
+{
+    std::fill(m_pOrigin, m_pOrigin + static_cast<size_t>(step) * size.height, kSentinel);
+}
+
+std::vector<uint8_t> TestPicture::Bytes() const
+{
+    return std::vector<uint8_t>(m_pOrigin, m_pOrigin + static_cast<size_t>(step) * size.height);
 }
 
 size_t TestPicture::Offset(int x, int y, int c) const
@@ -19,20 +34,20 @@ size_t TestPicture::Offset(int x, int y, int c) const
 double TestPicture::Get(int x, int y, int c) const
 {
     if (bytes)
-        return data[Offset(x, y, c)];
+        return m_pOrigin[Offset(x, y, c)];
     float sample;
-    std::memcpy(&sample, &data[Offset(x, y, c)], sizeof sample);
+    std::memcpy(&sample, m_pOrigin + Offset(x, y, c), sizeof sample);
     return sample;
 }
 
 void TestPicture::Set(int x, int y, int c, double value)
 {
     if (bytes) {
-        data[Offset(x, y, c)] = static_cast<uint8_t>(value);
+        m_pOrigin[Offset(x, y, c)] = static_cast<uint8_t>(value);
         return;
     }
     const float sample = static_cast<float>(value);
-    std::memcpy(&data[Offset(x, y, c)], &sample, sizeof sample);
+    std::memcpy(m_pOrigin + Offset(x, y, c), &sample, sizeof sample);
 }
 
 void TestPicture::FillRandom(std::mt19937& rng)

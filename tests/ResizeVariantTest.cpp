@@ -104,7 +104,8 @@ TEST(ResizeVariants, Sse41GivesThePlainResultsBitForBit)
         const size_t dstBytes = static_cast<size_t>(c.dstStep) * (c.dstRoi.y + c.dstRoi.height - 1) +
                                 static_cast<size_t>(c.dstRoi.x + c.dstRoi.width) * pixelBytes;
         GuardedBlock src(srcBytes, GuardedBlock::Guard::AfterEnd);
-        GuardedBlock plainDst(dstBytes, GuardedBlock::Guard::AfterEnd), fastDst(dstBytes, GuardedBlock::Guard::AfterEnd);
+        GuardedBlock plainDst(dstBytes, GuardedBlock::Guard::AfterEnd);
+        GuardedBlock fastDst(dstBytes, GuardedBlock::Guard::AfterEnd);
         FillRandom(src.Data(), srcBytes, m.bytes, rng);
         std::memset(plainDst.Data(), 0xCD, dstBytes);
         std::memset(fastDst.Data(), 0xCD, dstBytes);
