@@ -16,8 +16,9 @@ bool KernelOf(int interpolation, Kernel& kernel);
 // one: Lanczos below `lanczosSamples`, cubic below 4.
 Kernel NarrowForSmallPicture(Kernel kernel, int width, int height, int lanczosSamples);
 
-// Samples read along one axis for one output position.
+// Samples read along one axis for one output position: 1, 2, 4 or kMaxTaps.
 int TapCount(Kernel kernel);
+const int kMaxTaps = 6;
 
 // Weights of bytes in linear mode carry 14 fractional bits.
 const int kFixedOne = 1 << 14;
@@ -59,7 +60,7 @@ struct Job {
     ptrdiff_t dstStep = 0;
     AxisTable along;              // output columns
     AxisTable down;               // output rows
-    void* stores[6] = {};         // rolling stores of row-pass results, one per tap down
+    void* stores[kMaxTaps] = {};  // rolling stores of row-pass results, one per tap down
 };
 
 // Aligned arrays carved one after another from a block of work space. Over a null block it only

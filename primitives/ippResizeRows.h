@@ -12,8 +12,6 @@
 namespace ResizeEngine {
 namespace {
 
-const int kMaxTaps = 6;
-
 template <typename T>
 const T* SourceRow(const Job& job, int y)
 {

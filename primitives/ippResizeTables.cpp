@@ -74,7 +74,7 @@ namespace ResizeEngine {
 
 namespace {
 
-const int kLanczosTaps = 6;
+const int kLanczosTaps = kMaxTaps;
 const int kCubicTaps = 4;
 const double kFixedRounding = 1e-7;   // lifts fractions that fall a hair short of a 14-bit step
 
