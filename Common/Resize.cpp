@@ -47,14 +47,14 @@ bool SizeOf(const tagRECT& rect, IppiSize& size)
     return true;
 }
 
-// The primitive can't know a frame's extent, so a non-empty rectangle must lie inside its frame
-// and the frame's rows must not overlap.
+// The primitive can't know a frame's extent, so a non-empty rectangle must lie inside its frame,
+// and each of its rows inside one row of the frame.
 bool FrameHolds(const CFrame* pFrame, const tagRECT& rect, IppiSize size)
 {
     if (size.width < 1 || size.height < 1)
         return true;   // the primitive refuses an empty rectangle
     return rect.left >= 0 && rect.top >= 0 && rect.right <= pFrame->m_nWidth && rect.bottom <= pFrame->m_nHeight &&
-           int64_t{pFrame->m_nByteSpan} >= int64_t{pFrame->m_nWidth} * pFrame->m_nDepth;
+           int64_t{pFrame->m_nByteSpan} >= int64_t{rect.right} * pFrame->m_nDepth;
 }
 
 // The rectangle's first pixel; a frame without pixels stays without.

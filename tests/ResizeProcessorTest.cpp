@@ -159,6 +159,7 @@ TEST(ResizeProcessor, RefusesWithoutWritingOrIgnoresUnknownFormats)
         bool nullBuffer;
         tagRECT srcRect, dstRect;
         bool result;
+        int dstSpan = 0;   // 0: the frame's own
     };
     const tagRECT whole = Rect(0, 0, 8, 8);
     const Case cases[] = {
@@ -171,6 +172,7 @@ TEST(ResizeProcessor, RefusesWithoutWritingOrIgnoresUnknownFormats)
         {"reversed destination rectangle", 4, pfVideoSample, 4, false, whole, Rect(5, 0, 2, 8), false},
         {"source rectangle past the frame", 4, pfVideoSample, 4, false, Rect(0, 0, 9, 8), whole, false},
         {"destination rectangle before the frame", 4, pfVideoSample, 4, false, whole, Rect(-1, 0, 8, 8), false},
+        {"rows shorter than the rectangle", 4, pfVideoSample, 4, false, whole, whole, false, 7 * 4},
     };
     std::mt19937 rng(59);
     for (const Case& c : cases) {
@@ -178,6 +180,8 @@ TEST(ResizeProcessor, RefusesWithoutWritingOrIgnoresUnknownFormats)
         src.FillRandom(rng, false);
         if (c.nullBuffer)
             src.frame.m_pBuffer = nullptr;
+        if (c.dstSpan != 0)
+            dst.frame.m_nByteSpan = c.dstSpan;
         const std::vector<uint8_t> before = dst.bytes;
         EXPECT_EQ(Processors::CResize().Process(&src.frame, &dst.frame, c.srcRect, c.dstRect, 1, 0, 0, 0, 0),
                   c.result)
