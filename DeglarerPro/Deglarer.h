@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <mutex>
+#include <shared_mutex>
 
 #include <boost/shared_ptr.hpp>
 
@@ -43,6 +44,23 @@ public:
 
     // The memories of the sequential path, per effect id; entries live until the module unloads.
     static std::map<uint32_t, boost::shared_ptr<FrameCaches>> m_FrameCachesPool;
+
+    // The intensities of a frame in hand, remembered under `frameIndex` for this object's id;
+    // a frame already remembered isn't measured again.
+    Intensities GetAverageIntensity(int frameIndex, CFrame& frame);
+    // The same for a frame by its index, fetched from the host only if it isn't remembered yet
+    // and given back at once. Four -1.0, and nothing remembered, when the host gives no frame.
+    Intensities GetAverageIntensity(int frameIndex, IVideoHost* host, RenderInfo* info, PixelFormat format);
+    // Asks the host for the frame at `frameIndex` in the format that `frame` names and wraps the
+    // host's memory in `frame`. Returns the host's handle for ReleaseFrame, or null with `frame`
+    // unchanged.
+    static void* GetFrameByIndex(int frameIndex, CFrame& frame, IVideoHost* host, RenderInfo* info);
+
+    // Effect id to frame index to intensities, shared by every render thread and every object of
+    // one id. A record is written once, the first stored, and never changed or removed.
+    typedef std::map<int32_t, Intensities> FrameIntensities;
+    static std::map<uint32_t, FrameIntensities> m_FrameIntensitiesPool;
+    static std::shared_mutex m_FrameIntensitiesPoolGuard;
 
 private:
     bool RenderUsingTimeAccess(IVideoHost* host, FrameParams* source, FrameParams* second,

@@ -11,6 +11,7 @@
 #include "../include/VideoHost.h"
 #include "Deglarer.h"
 #include "EffectParameters.h"
+#include "FramePosition.h"
 #include "MarkFlashedFrame.h"
 
 std::map<uint32_t, boost::shared_ptr<FrameCaches>> CDeglarer::m_FrameCachesPool;
@@ -24,8 +25,6 @@ const uint32_t kSlotsPerCache = 2;
 enum CacheSlot : uint32_t { kLastFrameSlot = 0, kLastGoodFrameSlot = 1 };
 
 const int kLongestWait = 6;   // frames a changed picture may stay behind the last good frame
-const unsigned int kReplacedCross = 0xFFFF0000u;
-const unsigned int kSparedCross = 0xFF0000FFu;
 
 // Leaves the cache's region on every way out of a render.
 class CacheUsage {
@@ -120,13 +119,13 @@ int CDeglarer::GetLastGoodFrameIndexFromCache(FrameCache& cache)
 Intensities CDeglarer::GetLastFrameIntensitiesFromCache(FrameCache& cache)
 {
     CEffectsLibCache<FlashInfo>* current = CacheOfCurrentKey(cache);
-    return current != nullptr ? current->UserData(kLastFrameSlot).m_Intensities : Intensities();
+    return current != nullptr ? current->UserData(kLastFrameSlot).m_Intensities : Intensities::Zero();
 }
 
 Intensities CDeglarer::GetLastGoodFrameIntensitiesFromCache(FrameCache& cache)
 {
     CEffectsLibCache<FlashInfo>* current = CacheOfCurrentKey(cache);
-    return current != nullptr ? current->UserData(kLastGoodFrameSlot).m_Intensities : Intensities();
+    return current != nullptr ? current->UserData(kLastGoodFrameSlot).m_Intensities : Intensities::Zero();
 }
 
 bool CDeglarer::GetLastGoodFrameFromCache(FrameCache& cache, CFrame& frame)
@@ -215,18 +214,18 @@ bool CDeglarer::RenderUsingCache(IVideoHost* host, FrameParams* source, FramePar
 
     const Intensities last = GetLastFrameIntensitiesFromCache(*cache);
     const Intensities good = GetLastGoodFrameIntensitiesFromCache(*cache);
-    const bool bright = BandSum(intensities) > kDarknessLimit;
+    const bool bright = intensities.Sum() > kDarknessLimit;
     bool rise = false;
     bool fall = false;
     bool nearGood = false;
     if (bright) {
         nearGood = true;
-        for (int band = 0; band < kBandCount; ++band) {
-            rise = rise || RelativeChangeExceeds(intensities[band], last[band], parameters.threshold);
-            nearGood = nearGood && !RelativeChangeExceeds(intensities[band], good[band], parameters.threshold);
+        for (int band = 0; band < kIntensityBands; ++band) {
+            rise = rise || RelativeChangeExceeds(intensities.fBand[band], last.fBand[band], parameters.threshold);
+            nearGood = nearGood && !RelativeChangeExceeds(intensities.fBand[band], good.fBand[band], parameters.threshold);
         }
-        for (int band = 0; band < kBandCount && !rise; ++band)
-            fall = fall || RelativeChangeExceeds(last[band], intensities[band], parameters.threshold);
+        for (int band = 0; band < kIntensityBands && !rise; ++band)
+            fall = fall || RelativeChangeExceeds(last.fBand[band], intensities.fBand[band], parameters.threshold);
     }
 
     SaveLastFrameToCache(*cache, sourceFrame, current, intensities);
@@ -247,7 +246,7 @@ bool CDeglarer::RenderUsingCache(IVideoHost* host, FrameParams* source, FramePar
     if (goodIndex < 0 || std::abs(current - goodIndex) > parameters.limit) {
         copy.Process(&sourceFrame, &destinationFrame);
         if (parameters.test)
-            MarkFlashedFrame(destinationFrame, kSparedCross);
+            MarkFlashedFrame(destinationFrame, kSparedFrameColour);
         return true;
     }
 
@@ -269,7 +268,7 @@ bool CDeglarer::RenderUsingCache(IVideoHost* host, FrameParams* source, FramePar
         copy.Process(&goodFrame, &destinationFrame);
     } else {
         copy.Process(&sourceFrame, &destinationFrame);
-        MarkFlashedFrame(destinationFrame, kReplacedCross);
+        MarkFlashedFrame(destinationFrame, kReplacedFrameColour);
     }
     return true;
 }
