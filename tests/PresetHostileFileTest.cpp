@@ -21,15 +21,6 @@ namespace {
 using namespace PresetTest;
 using TestSupport::TempDirectory;
 
-const char kValidFile[] =
-    "<?xml version=\"1.0\" standalone=\"no\" ?>\n"
-    "<!-- Effect's Preset File -->\n"
-    "<Preset Name=\"Fine Tune\" LibraryName=\"Tessarel Deglarer Pro\" EffectName=\"Deglarer Pro\">\n"
-    "    <parameter type=\"2\" value=\"0.700000\" />\n"
-    "    <parameter type=\"2\" value=\"0.200000\" />\n"
-    "    <parameter type=\"4\" value=\"1\" />\n"
-    "</Preset>\n";
-
 class PresetHostileFileTest : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(files.Made()); }
@@ -118,7 +109,7 @@ TEST_F(PresetHostileFileTest, RefusesFilesThatAreNoPresetAndLeavesTheRecord)
 
 TEST_F(PresetHostileFileTest, RefusesEveryTruncationOfAValidFile)
 {
-    const std::string whole = kValidFile;
+    const std::string whole = kFineTuneFile;
     const size_t complete = whole.find("</Preset>") + std::strlen("</Preset>");
     for (size_t length = 0; length < complete; ++length)
         ASSERT_TRUE(Refused(whole.substr(0, length))) << length;
@@ -171,7 +162,7 @@ TEST_F(PresetHostileFileTest, RefusesWhatIsNoReadableFile)
 
 TEST_F(PresetHostileFileTest, RefusesAFileItMayNotRead)
 {
-    const std::string path = files.Write("private.fxpunka", kValidFile);
+    const std::string path = files.Write("private.fxpunka", kFineTuneFile);
     ASSERT_EQ(chmod(path.c_str(), 0), 0);
     if (geteuid() != 0) {
         CEffectPreset preset = Untouched();
@@ -282,7 +273,7 @@ TEST_F(PresetHostileFileTest, NamesFromAnyBytesAreValidText)
 TEST_F(PresetHostileFileTest, SurvivesRandomDamageToAValidFile)
 {
     std::mt19937 random(4242);
-    const std::string whole = kValidFile;
+    const std::string whole = kFineTuneFile;
     for (int round = 0; round < 2000; ++round) {
         std::string text = whole;
         for (int change = 1 + random() % 4; change > 0; --change) {

@@ -67,14 +67,7 @@ TEST_F(PresetSerializerTest, SavesTheSevenLinesOfAPresetFile)
         Record("Fine Tune", kLibraryName, kEffectName, {Float(0.7f), Float(0.2f), Bool(1)});
     const std::string path = files.Path("fine.fxpunka");
     ASSERT_TRUE(serializer.Save(path.c_str(), &preset));
-    EXPECT_EQ(ReadFile(path),
-              "<?xml version=\"1.0\" standalone=\"no\" ?>\n"
-              "<!-- Effect's Preset File -->\n"
-              "<Preset Name=\"Fine Tune\" LibraryName=\"Tessarel Deglarer Pro\" EffectName=\"Deglarer Pro\">\n"
-              "    <parameter type=\"2\" value=\"0.700000\" />\n"
-              "    <parameter type=\"2\" value=\"0.200000\" />\n"
-              "    <parameter type=\"4\" value=\"1\" />\n"
-              "</Preset>\n");
+    EXPECT_EQ(ReadFile(path), kFineTuneFile);
 
     CEffectPreset empty = Record("Nothing", "L", "E", {});
     ASSERT_TRUE(serializer.Save(path.c_str(), &empty));

@@ -88,4 +88,14 @@ inline uint32_t Bits(float value)
 const char kLibraryName[] = "Tessarel Deglarer Pro";
 const char kEffectName[] = "Deglarer Pro";
 
+// The file that the stock preset "Fine Tune" with the effect's defaults makes, line by line.
+const char kFineTuneFile[] =
+    "<?xml version=\"1.0\" standalone=\"no\" ?>\n"
+    "<!-- Effect's Preset File -->\n"
+    "<Preset Name=\"Fine Tune\" LibraryName=\"Tessarel Deglarer Pro\" EffectName=\"Deglarer Pro\">\n"
+    "    <parameter type=\"2\" value=\"0.700000\" />\n"
+    "    <parameter type=\"2\" value=\"0.200000\" />\n"
+    "    <parameter type=\"4\" value=\"1\" />\n"
+    "</Preset>\n";
+
 } // namespace PresetTest
