@@ -3,6 +3,7 @@
 // destination's bytes measured in the same run.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <random>
@@ -134,16 +135,22 @@ void RunMember(benchmark::State& state, const Member& member, int index)
     ippJumpIndexForMergedLibs = index;
     const double floor = Bench::MemcpySeconds(dst.size());
     Bench::Stopwatch watch;
+    double best = 1e30;
     for (auto _ : state) {
+        const double before = watch.Seconds();
         watch.Start();
         const IppStatus status = member.run(pictures);
         benchmark::DoNotOptimize(status);
         benchmark::ClobberMemory();
         watch.Stop();
+        best = std::min(best, watch.Seconds() - before);
     }
     ippJumpIndexForMergedLibs = saved;
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * dst.size());
     state.counters["x_memcpy"] = (watch.Seconds() / state.iterations()) / floor;
+    // The floor is the best of several memcpys; on a busy machine the best run of the member is
+    // its fairer peer.
+    state.counters["x_memcpy_best"] = best / floor;
 }
 
 // Registered before main runs; the SSE4.1 variant only on a processor that has it.
