@@ -44,7 +44,6 @@ struct Named {
 // Members that check only pointers and size.
 std::vector<Named> PointerAndSizeMembers()
 {
-    std::vector<uint8_t> dummy;
     return {
         {"Copy_8u_C1R", [](auto s, int ss, auto d, int ds, IppiSize z) { return ippiCopy_8u_C1R(s, ss, d, ds, z); },
          false},
