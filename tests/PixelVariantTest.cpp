@@ -182,7 +182,8 @@ Picture Place(const Shape& shape, IppiSize size, size_t widen, bool floats, uint
     Picture picture;
     if (shape.pixelBytes == 0)
         return picture;
-    picture.step = static_cast<int>(size.width * shape.pixelBytes + widen);
+    // Float rows keep the samples' own alignment; bytes may start anywhere.
+    picture.step = static_cast<int>(size.width * shape.pixelBytes + (floats ? widen / 4 * 4 : widen));
     picture.bytes = static_cast<size_t>(size.height - 1) * picture.step + (size.width - 1) * shape.pixelBytes +
                     shape.lastPixelBytes;
     picture.block = std::make_unique<GuardedBlock>(picture.bytes, GuardedBlock::Guard::AfterEnd);
