@@ -65,7 +65,10 @@ void Sse41Rows::Sqr(float* sd, size_t n)
     }
 }
 
-// Roots in double precision, rounded to float once; zero and not-a-number are kept bit for bit.
+// The plain variant takes roots in double precision and rounds them to float once. A double holds
+// more than twice a float's bits, so that rounding gives the correctly rounded float root, which is
+// what the single-precision instruction gives: the results agree bit for bit for every positive
+// float. Zero and not-a-number are kept bit for bit; a negative sample becomes a not-a-number.
 bool Sse41Rows::Sqrt(float* sd, size_t n)
 {
     const __m128 zero = _mm_setzero_ps();
@@ -73,11 +76,8 @@ bool Sse41Rows::Sqrt(float* sd, size_t n)
     int negative = 0;
     for (size_t x = 0; x < n; ++x) {
         const __m128 pixel = _mm_loadu_ps(sd + 4 * x);
-        const __m128 low = _mm_cvtpd_ps(_mm_sqrt_pd(_mm_cvtps_pd(pixel)));
-        const __m128 high = _mm_cvtpd_ps(_mm_sqrt_pd(_mm_cvtps_pd(_mm_movehl_ps(pixel, pixel))));
-        const __m128 root = _mm_movelh_ps(low, high);
         const __m128 below = _mm_cmplt_ps(pixel, zero);
-        __m128 result = _mm_blendv_ps(pixel, root, _mm_cmpgt_ps(pixel, zero));
+        __m128 result = _mm_blendv_ps(pixel, _mm_sqrt_ps(pixel), _mm_cmpgt_ps(pixel, zero));
         result = _mm_blendv_ps(result, notANumber, below);
         negative |= _mm_movemask_ps(below);
         _mm_storeu_ps(sd + 4 * x, result);
