@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "ippResize.h"
 #include "ippDispatch.h"
+#include "ippResize.h"
 #include "ippResizeEngine.h"
 #include "ippResizeVariants.h"
 

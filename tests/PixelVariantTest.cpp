@@ -158,12 +158,12 @@ void Fill(uint8_t* p, size_t bytes, bool floats, std::mt19937& random)
             p[i] = random() % 4 == 0 ? edges[random() % 4] : static_cast<uint8_t>(random());
         return;
     }
-    const float specials[] = {0.0f,   -0.0f, std::numeric_limits<float>::infinity(),
+    const float edgeValues[] = {0.0f,   -0.0f, std::numeric_limits<float>::infinity(),
                               -1.0f,  1.0f,  std::numeric_limits<float>::quiet_NaN(),
                               1e-40f, 3e38f};
     std::uniform_real_distribution<float> ordinary(-2.0f, 2.0f);
     for (size_t i = 0; i + 4 <= bytes; i += 4) {
-        const float v = random() % 8 == 0 ? specials[random() % 8] : ordinary(random);
+        const float v = random() % 8 == 0 ? edgeValues[random() % 8] : ordinary(random);
         std::memcpy(p + i, &v, 4);
     }
     for (size_t i = bytes / 4 * 4; i < bytes; ++i)
