@@ -50,6 +50,7 @@ void Sse41Rows::BGRToYCbCr422(const uint8_t* s, uint8_t* d, size_t n)
     const __m128i secondPair = _mm_setr_epi8(8, -1, 9, -1, 10, -1, 9, -1, 12, -1, 13, -1, 14, -1, 13, -1);
     const __m128i lumaWeights = _mm_setr_epi16(6423, 16515, 16843, 16515, 6423, 16515, 16843, 16515);
     const __m128i cbWeights = _mm_setr_epi16(28770, -19071, -9699, 0, 28770, -19071, -9699, 0);
+    const __m128i pairSamples = _mm_setr_epi8(0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15);
     const __m128i crWeights = _mm_setr_epi16(-4653, -24117, 28770, 0, -4653, -24117, 28770, 0);
     // From Y0, Y1, Y2, Y3, Cb01, Cb23, Cr01, Cr23 to Y0, Cb01, Y1, Cr01, Y2, Cb23, Y3, Cr23.
     const __m128i order = _mm_setr_epi8(0, 4, 1, 6, 2, 5, 3, 7, -1, -1, -1, -1, -1, -1, -1, -1);
@@ -61,10 +62,8 @@ void Sse41Rows::BGRToYCbCr422(const uint8_t* s, uint8_t* d, size_t n)
                                          _mm_madd_epi16(_mm_shuffle_epi8(pixels, secondPair), lumaWeights)),
                           _mm_set1_epi32(0x108000)),
             16);
-        const __m128i low = _mm_cvtepu8_epi16(pixels);
-        const __m128i high = _mm_cvtepu8_epi16(_mm_srli_si128(pixels, 8));
-        const __m128i sums = _mm_unpacklo_epi64(_mm_add_epi16(low, _mm_srli_si128(low, 8)),
-                                                _mm_add_epi16(high, _mm_srli_si128(high, 8)));
+        // B, G, R, A of each pair side by side, then summed by a multiply-add with ones.
+        const __m128i sums = _mm_maddubs_epi16(_mm_shuffle_epi8(pixels, pairSamples), _mm_set1_epi8(1));
         const __m128i chroma = _mm_srai_epi32(
             _mm_add_epi32(_mm_hadd_epi32(_mm_madd_epi16(sums, cbWeights), _mm_madd_epi16(sums, crWeights)),
                           _mm_set1_epi32(0x1004000)),
