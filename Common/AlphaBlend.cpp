@@ -61,6 +61,15 @@ void BlendFloat(Pixel* pIn1, Pixel* pIn2, Pixel* pOut, unsigned int width, unsig
     }
 }
 
+// A record with a negative span describes a bottom-up picture from its top row; the blend walks it
+// from its lowest row, as it walks a CFrame made over the same record.
+FrameParams FromLowestRow(const FrameParams& params)
+{
+    CFrame frame;
+    frame.Init(&params);
+    return frame.GetFrameParams();
+}
+
 unsigned int Saturate(unsigned int value)
 {
     return std::min(value, 255u);
@@ -78,9 +87,11 @@ bool CAlphaBlend::Process(CFrame* pIn1, CFrame* pIn2, CFrame* pOut, bool bPremul
     return Process(in1, in2, out, bPremultiplied);
 }
 
-bool CAlphaBlend::Process(const FrameParams& frameIn1, const FrameParams& frameIn2, FrameParams& frameOut,
-                          bool bPremultiplied)
+bool CAlphaBlend::Process(const FrameParams& in1, const FrameParams& in2, FrameParams& out, bool bPremultiplied)
 {
+    const FrameParams frameIn1 = FromLowestRow(in1);
+    const FrameParams frameIn2 = FromLowestRow(in2);
+    const FrameParams frameOut = FromLowestRow(out);
     const IppiSize area = {std::min({frameIn1.nWidth, frameIn2.nWidth, frameOut.nWidth}),
                            std::min({frameIn1.nHeight, frameIn2.nHeight, frameOut.nHeight})};
     AssertDepth(frameIn1.nDepth, "frameIn1.m_nDepth", __PRETTY_FUNCTION__, __LINE__);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -104,6 +105,34 @@ TEST_P(AlphaBlend, WritesOnlyTheCommonTopLeftArea)
         ASSERT_TRUE(Processors::CAlphaBlend().Process(in1.Get(), in2.Get(), out.Get(), true)) << format;
         out.ExpectUntouchedOutside(before, 3, 3);
         EXPECT_NE(out.Memory(), before) << format;
+    }
+}
+
+// A record with a negative span starts at its top row; the blend walks it from its lowest row, as
+// it would a CFrame made over that record.
+TEST_P(AlphaBlend, RecordsWithNegativeSpansAreWalkedFromTheirLowestRow)
+{
+    for (PixelFormat format : {pfVideoSample, pfVideoSampleSwapped, pfVideoSampleFloat, pfVideoSampleSwappedFloat}) {
+        TestFrame in1(format, 3, 2, 0, 0), in2(format, 3, 2, 0, 0), out(format, 3, 2, 0, 0);
+        in1.FillPattern();
+        in2.FillPattern();
+        const int alphaIndex = (format == pfVideoSample || format == pfVideoSampleFloat) ? 3 : 0;
+        for (int y = 0; y < 2; ++y)
+            for (int x = 0; x < 3; ++x) {
+                if (in1->m_nDepth == 4)
+                    in1.Byte(x, y, alphaIndex) = 255;
+                else
+                    in1.SetFloat(x, y, alphaIndex, 1.0f);
+            }
+        FrameParams outParams = out->GetFrameParams();
+        outParams.pBuffer += outParams.nByteSpan;   // the top row of a bottom-up picture
+        outParams.nByteSpan = -outParams.nByteSpan;
+        ASSERT_TRUE(Processors::CAlphaBlend().Process(in1->GetFrameParams(), in2->GetFrameParams(), outParams, true))
+            << format;
+        // An opaque foreground comes through as it is, row for row in memory.
+        const size_t pictureBytes = static_cast<size_t>(in1->m_nByteSpan) * 2;
+        EXPECT_TRUE(std::equal(in1.Memory().begin(), in1.Memory().begin() + pictureBytes, out.Memory().begin()))
+            << format;
     }
 }
 
