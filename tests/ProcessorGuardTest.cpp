@@ -22,6 +22,7 @@
 #include "../Common/ThresholdLTInPlace.h"
 #include "AtEachVariant.h"
 #include "GuardedBlock.h"
+#include "ProcessorTestFrame.h"
 
 namespace {
 
@@ -55,16 +56,6 @@ private:
     CFrame m_frame;
 };
 
-int DepthOf(PixelFormat format)
-{
-    switch (format) {
-    case pfVideoSampleFloat:
-    case pfVideoSampleSwappedFloat: return 16;
-    case pfMono8: return 1;
-    default: return 4;
-    }
-}
-
 // One operation on a source and a destination of the given formats and depths, of one size; the
 // operation answers whether it did its work.
 struct GuardedCase {
@@ -84,7 +75,7 @@ std::vector<GuardedCase> Cases()
     auto add = [&cases](const std::string& name, PixelFormat from, PixelFormat to, int extra,
                         std::function<bool(CFrame*, CFrame*)> operation, int srcDepth = 0, int dstDepth = 0) {
         cases.push_back({name + " " + std::to_string(from) + " to " + std::to_string(to), from, to,
-                         srcDepth ? srcDepth : DepthOf(from), dstDepth ? dstDepth : DepthOf(to), extra, operation});
+                         srcDepth ? srcDepth : TestFrame::DepthOf(from), dstDepth ? dstDepth : TestFrame::DepthOf(to), extra, operation});
     };
     for (PixelFormat format : fourChannel) {
         add("blend", format, format, 0, [](CFrame* s, CFrame* d) { return CAlphaBlend().Process(s, s, d, true); });
