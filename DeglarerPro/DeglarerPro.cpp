@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "../Common/FrameProcessor.h"
 #include "../include/InterfaceIds.h"
 #include "../platform/Atomic.h"
 #include "Deglarer.h"
@@ -57,7 +58,7 @@ IVideoEffect* CDeglarerPro::CreateEffect(unsigned int index)
     return new (std::nothrow) CDeglarer();
 }
 
-// Help, the services, the frame service and the preset saver are offered once they exist.
+// Help, the services and the preset saver are offered once they exist.
 bool CDeglarerPro::OpenHelp(OpaqueWindowPtr*, unsigned int)
 {
     return false;
@@ -68,9 +69,10 @@ ILibraryServices* CDeglarerPro::GetLibraryServices()
     return nullptr;
 }
 
+// A new object for each call, with the caller's one reference.
 IFrameProcessor* CDeglarerPro::GetFrameProcessor()
 {
-    return nullptr;
+    return new (std::nothrow) FrameProcessor();
 }
 
 IPresetSaver* CDeglarerPro::GetPresetSaver()
