@@ -1,122 +1,20 @@
 // The frame service as a host reaches it: the module is loaded with dlopen, the service is asked
-// of the library object, and every operation is called by its slot.
-#include <gtest/gtest.h>
-
+// of the library object, and every operation is called by its slot. These are the operations on
+// whole pictures: copy, resize, crop and flip, and the object itself.
 #include <cstring>
-#include <memory>
 #include <vector>
 
-#include "../host/CallSlot.h"
-#include "../host/Clip.h"
-#include "../host/ModuleLoader.h"
 #include "../include/InterfaceIds.h"
 #include "../primitives/ippResize.h"
+#include "FrameServiceFixture.h"
 
 namespace {
 
 using TestHost::CallSlot;
-using TestHost::ModuleLoader;
 using TestHost::Picture;
 
 const int32_t kNoInterface = static_cast<int32_t>(0x80004002u);
 const int32_t kNullResult = static_cast<int32_t>(0x80004005u);
-const uint8_t kSentinel = 0xA5;
-
-// The slots of IFrameProcessor as a host numbers them.
-class FrameService {
-public:
-    explicit FrameService(void* object) : m_object(object) {}
-    void* Object() const { return m_object; }
-
-    int32_t QueryInterface(const _GUID* iid, void** out) { return CallSlot<int32_t>(m_object, 0, iid, out); }
-    uint32_t AddRef() { return CallSlot<uint32_t>(m_object, 1); }
-    uint32_t Release() { return CallSlot<uint32_t>(m_object, 2); }
-    uint32_t Copy(FrameParams* src, FrameParams* dst) { return CallSlot<uint32_t>(m_object, 5, src, dst); }
-    uint32_t Resize(FrameParams* src, FrameParams* dst, int mode)
-    {
-        return CallSlot<uint32_t>(m_object, 6, src, dst, mode);
-    }
-    uint32_t FlipFrame(FrameParams* src, FrameParams* dst) { return CallSlot<uint32_t>(m_object, 16, src, dst); }
-    uint32_t FlipFrame(FrameParams* frame) { return CallSlot<uint32_t>(m_object, 17, frame); }
-    uint32_t ResizeCrop(FrameParams* src, tagRECT* rect, FrameParams* dst, int mode)
-    {
-        return CallSlot<uint32_t>(m_object, 23, src, rect, dst, mode);
-    }
-
-private:
-    void* m_object;
-};
-
-class FrameServiceTest : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        module.reset(new ModuleLoader(ModuleLoader::ModuleInBundle(DEGLARER_BUNDLE_PATH)));
-        ASSERT_TRUE(module->Loaded()) << module->Error();
-        library = module->GetEffectsLibrary();
-        ASSERT_NE(library, nullptr);
-        void* object = CallSlot<void*>(library, 9);   // GetFrameProcessor
-        ASSERT_NE(object, nullptr);
-        service.reset(new FrameService(object));
-    }
-    void TearDown() override
-    {
-        if (service) {
-            EXPECT_EQ(service->Release(), 0u);
-        }
-        if (library != nullptr) {
-            EXPECT_EQ(library->Release(), 0u);
-        }
-    }
-
-    std::unique_ptr<ModuleLoader> module;
-    IEffectLibrary* library = nullptr;
-    std::unique_ptr<FrameService> service;
-};
-
-bool IsFloat(PixelFormat format)
-{
-    return format == pfVideoSampleFloat || format == pfVideoSampleSwappedFloat || format == pfMonoFloat;
-}
-
-// Every byte (or float) of the picture, padding included, set from its position, so that any
-// misplaced row, column or channel shows.
-Picture Pattern(int width, int height, PixelFormat format, int byteSpan = 0, int seed = 0)
-{
-    Picture picture(width, height, format, byteSpan);
-    uint8_t* bytes = picture.Data();
-    const size_t size = picture.Bytes().size();
-    if (IsFloat(format)) {
-        for (size_t i = 0; i + 4 <= size; i += 4) {
-            const float value = static_cast<float>((i / 4 * 37 + seed * 11) % 101) / 100.0f;
-            std::memcpy(bytes + i, &value, 4);
-        }
-    } else {
-        for (size_t i = 0; i < size; ++i)
-            bytes[i] = static_cast<uint8_t>(i * 29 + seed * 7 + i / 7);
-    }
-    return picture;
-}
-
-Picture Sentinel(int width, int height, PixelFormat format, int byteSpan = 0)
-{
-    Picture picture(width, height, format, byteSpan);
-    std::memset(picture.Data(), kSentinel, picture.Bytes().size());
-    return picture;
-}
-
-bool Untouched(const Picture& picture)
-{
-    for (uint8_t byte : picture.Bytes())
-        if (byte != kSentinel)
-            return false;
-    return true;
-}
-
-const uint8_t* Row(const Picture& picture, const FrameParams& params, int y)
-{
-    return picture.Bytes().data() + static_cast<size_t>(y) * params.nByteSpan;
-}
 
 TEST_F(FrameServiceTest, EachCallGivesANewCountedObjectAnsweringItsTwoIdentifiers)
 {
