@@ -1,9 +1,14 @@
 #include <new>
 
+#include "../Common/Optimize.h"
 #include "../include/EffectLibrary.h"
 #include "DeglarerPro.h"
 
 #define DEGLARER_EXPORT extern "C" __attribute__((visibility("default")))
+
+// The primitive layer chooses its processor variant while the module loads, before the host can
+// call in and before any thread of the library exists.
+static const Processors::COptimize s_Optimize;
 
 DEGLARER_EXPORT IEffectLibrary* GetEffectsLibrary()
 {

@@ -1,44 +1,108 @@
+// The plain region copies and their entries.
 #include "ippCopy.h"
 
-#include <cstddef>
 #include <cstring>
 
+#include "ippDispatch.h"
+#include "ippiRegion.h"
+#include "ippiRows.h"
+#include "ippiVariants.h"
+
+using IppRegion::Row;
+
 namespace {
-IppStatus CopyRows(const void* pSrc, int srcStep, void* pDst, int dstStep, IppiSize roiSize, int bytesPerPixel)
+
+using CopyKernel = void (*)(const uint8_t*, uint8_t*, size_t);
+
+IppStatus CopyRows(const void* pSrc, int srcStep, void* pDst, int dstStep, IppiSize roiSize, size_t pixelBytes,
+                   CopyKernel copy)
 {
     if (pSrc == nullptr || pDst == nullptr)
         return ippStsNullPtrErr;
-    if (roiSize.width < 1 || roiSize.height < 1)
+    if (!IppRegion::Holds(roiSize))
         return ippStsSizeErr;
-    const size_t rowBytes = static_cast<size_t>(roiSize.width) * bytesPerPixel;
-    const auto* src = static_cast<const unsigned char*>(pSrc);
-    auto* dst = static_cast<unsigned char*>(pDst);
-    if (static_cast<size_t>(srcStep) == rowBytes && static_cast<size_t>(dstStep) == rowBytes) {
-        std::memmove(dst, src, rowBytes * roiSize.height);
+    const auto* src = static_cast<const uint8_t*>(pSrc);
+    auto* dst = static_cast<uint8_t*>(pDst);
+    if (IppRegion::Contiguous(srcStep, roiSize, pixelBytes) && IppRegion::Contiguous(dstStep, roiSize, pixelBytes)) {
+        copy(src, dst, IppRegion::Pixels(roiSize) * pixelBytes);
         return ippStsNoErr;
     }
+    const size_t rowBytes = static_cast<size_t>(roiSize.width) * pixelBytes;
     for (int y = 0; y < roiSize.height; ++y)
-        std::memmove(dst + static_cast<ptrdiff_t>(y) * dstStep, src + static_cast<ptrdiff_t>(y) * srcStep, rowBytes);
+        copy(Row(src, srcStep, y), Row(dst, dstStep, y), rowBytes);
     return ippStsNoErr;
 }
+
+} // namespace
+
+void PlainRows::CopyBytes(const uint8_t* s, uint8_t* d, size_t bytes)
+{
+    std::memmove(d, s, bytes);
+}
+
+IppStatus mx_ippiCopy_8u_C1R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize)
+{
+    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 1, PlainRows::CopyBytes);
+}
+
+IppStatus mx_ippiCopy_8u_C4R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize)
+{
+    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 4, PlainRows::CopyBytes);
+}
+
+IppStatus mx_ippiCopy_32f_C1R(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep, IppiSize roiSize)
+{
+    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 4, PlainRows::CopyBytes);
+}
+
+IppStatus mx_ippiCopy_32f_C4R(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep, IppiSize roiSize)
+{
+    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 16, PlainRows::CopyBytes);
+}
+
+IppStatus y8_ippiCopy_8u_C1R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize)
+{
+    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 1, Sse41Rows::CopyBytes);
+}
+
+IppStatus y8_ippiCopy_8u_C4R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize)
+{
+    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 4, Sse41Rows::CopyBytes);
+}
+
+IppStatus y8_ippiCopy_32f_C1R(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep, IppiSize roiSize)
+{
+    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 4, Sse41Rows::CopyBytes);
+}
+
+IppStatus y8_ippiCopy_32f_C4R(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep, IppiSize roiSize)
+{
+    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 16, Sse41Rows::CopyBytes);
+}
+
+namespace {
+constexpr auto ippiCopy_8u_C1R_arraddr = IppDispatch::WithSse41(mx_ippiCopy_8u_C1R, y8_ippiCopy_8u_C1R);
+constexpr auto ippiCopy_8u_C4R_arraddr = IppDispatch::WithSse41(mx_ippiCopy_8u_C4R, y8_ippiCopy_8u_C4R);
+constexpr auto ippiCopy_32f_C1R_arraddr = IppDispatch::WithSse41(mx_ippiCopy_32f_C1R, y8_ippiCopy_32f_C1R);
+constexpr auto ippiCopy_32f_C4R_arraddr = IppDispatch::WithSse41(mx_ippiCopy_32f_C4R, y8_ippiCopy_32f_C4R);
 } // namespace
 
 IppStatus ippiCopy_8u_C1R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize)
 {
-    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 1);
+    return IppDispatch::Call(ippiCopy_8u_C1R_arraddr, pSrc, srcStep, pDst, dstStep, roiSize);
 }
 
 IppStatus ippiCopy_8u_C4R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize)
 {
-    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 4);
+    return IppDispatch::Call(ippiCopy_8u_C4R_arraddr, pSrc, srcStep, pDst, dstStep, roiSize);
 }
 
 IppStatus ippiCopy_32f_C1R(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep, IppiSize roiSize)
 {
-    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 4);
+    return IppDispatch::Call(ippiCopy_32f_C1R_arraddr, pSrc, srcStep, pDst, dstStep, roiSize);
 }
 
 IppStatus ippiCopy_32f_C4R(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep, IppiSize roiSize)
 {
-    return CopyRows(pSrc, srcStep, pDst, dstStep, roiSize, 16);
+    return IppDispatch::Call(ippiCopy_32f_C4R_arraddr, pSrc, srcStep, pDst, dstStep, roiSize);
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "ippDispatch.h"
 #include "ippMemory.h"
 #include "ippResizeEngine.h"
 #include "ippResizeVariants.h"
@@ -157,16 +158,21 @@ IppStatus y8_ippiResize_32f_C4R(const Ipp32f* pSrc, IppiSize srcSize, int srcSte
                          ResizeEngine::ResampleSse41);
 }
 
+namespace {
+constexpr auto ippiResize_8u_C4R_arraddr = IppDispatch::WithSse41(mx_ippiResize_8u_C4R, y8_ippiResize_8u_C4R);
+constexpr auto ippiResize_32f_C4R_arraddr = IppDispatch::WithSse41(mx_ippiResize_32f_C4R, y8_ippiResize_32f_C4R);
+} // namespace
+
 IppStatus ippiResize_8u_C4R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp8u* pDst,
                             int dstStep, IppiSize dstRoiSize, double xFactor, double yFactor, int interpolation)
 {
-    return mx_ippiResize_8u_C4R(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoiSize, xFactor, yFactor,
-                                interpolation);
+    return IppDispatch::Call(ippiResize_8u_C4R_arraddr, pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoiSize,
+                             xFactor, yFactor, interpolation);
 }
 
 IppStatus ippiResize_32f_C4R(const Ipp32f* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp32f* pDst,
                              int dstStep, IppiSize dstRoiSize, double xFactor, double yFactor, int interpolation)
 {
-    return mx_ippiResize_32f_C4R(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoiSize, xFactor, yFactor,
-                                 interpolation);
+    return IppDispatch::Call(ippiResize_32f_C4R_arraddr, pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoiSize,
+                             xFactor, yFactor, interpolation);
 }

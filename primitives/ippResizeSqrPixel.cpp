@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "ippResize.h"
+#include "ippDispatch.h"
 #include "ippResizeEngine.h"
 #include "ippResizeVariants.h"
 
@@ -215,39 +216,51 @@ IppStatus mx_ippiResizeGetBufSize(IppiRect srcRoi, IppiRect dstRoi, int nChannel
     return ippStsNoErr;
 }
 
+namespace {
+constexpr auto ippiResizeSqrPixel_8u_C1R_arraddr =
+    IppDispatch::WithSse41(mx_ippiResizeSqrPixel_8u_C1R, y8_ippiResizeSqrPixel_8u_C1R);
+constexpr auto ippiResizeSqrPixel_8u_C4R_arraddr =
+    IppDispatch::WithSse41(mx_ippiResizeSqrPixel_8u_C4R, y8_ippiResizeSqrPixel_8u_C4R);
+constexpr auto ippiResizeSqrPixel_32f_C1R_arraddr =
+    IppDispatch::WithSse41(mx_ippiResizeSqrPixel_32f_C1R, y8_ippiResizeSqrPixel_32f_C1R);
+constexpr auto ippiResizeSqrPixel_32f_C4R_arraddr =
+    IppDispatch::WithSse41(mx_ippiResizeSqrPixel_32f_C4R, y8_ippiResizeSqrPixel_32f_C4R);
+constexpr auto ippiResizeGetBufSize_arraddr = IppDispatch::PlainOnly(mx_ippiResizeGetBufSize);
+} // namespace
+
 IppStatus ippiResizeSqrPixel_8u_C1R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp8u* pDst,
                                     int dstStep, IppiRect dstRoi, double xFactor, double yFactor, double xShift,
                                     double yShift, int interpolation, Ipp8u* pBuffer)
 {
-    return mx_ippiResizeSqrPixel_8u_C1R(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor,
-                                        xShift, yShift, interpolation, pBuffer);
+    return IppDispatch::Call(ippiResizeSqrPixel_8u_C1R_arraddr, pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi,
+                             xFactor, yFactor, xShift, yShift, interpolation, pBuffer);
 }
 
 IppStatus ippiResizeSqrPixel_8u_C4R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi, Ipp8u* pDst,
                                     int dstStep, IppiRect dstRoi, double xFactor, double yFactor, double xShift,
                                     double yShift, int interpolation, Ipp8u* pBuffer)
 {
-    return mx_ippiResizeSqrPixel_8u_C4R(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor,
-                                        xShift, yShift, interpolation, pBuffer);
+    return IppDispatch::Call(ippiResizeSqrPixel_8u_C4R_arraddr, pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi,
+                             xFactor, yFactor, xShift, yShift, interpolation, pBuffer);
 }
 
 IppStatus ippiResizeSqrPixel_32f_C1R(const Ipp32f* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                                      Ipp32f* pDst, int dstStep, IppiRect dstRoi, double xFactor, double yFactor,
                                      double xShift, double yShift, int interpolation, Ipp8u* pBuffer)
 {
-    return mx_ippiResizeSqrPixel_32f_C1R(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor,
-                                         xShift, yShift, interpolation, pBuffer);
+    return IppDispatch::Call(ippiResizeSqrPixel_32f_C1R_arraddr, pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi,
+                             xFactor, yFactor, xShift, yShift, interpolation, pBuffer);
 }
 
 IppStatus ippiResizeSqrPixel_32f_C4R(const Ipp32f* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                                      Ipp32f* pDst, int dstStep, IppiRect dstRoi, double xFactor, double yFactor,
                                      double xShift, double yShift, int interpolation, Ipp8u* pBuffer)
 {
-    return mx_ippiResizeSqrPixel_32f_C4R(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor,
-                                         xShift, yShift, interpolation, pBuffer);
+    return IppDispatch::Call(ippiResizeSqrPixel_32f_C4R_arraddr, pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi,
+                             xFactor, yFactor, xShift, yShift, interpolation, pBuffer);
 }
 
 IppStatus ippiResizeGetBufSize(IppiRect srcRoi, IppiRect dstRoi, int nChannel, int interpolation, int* pSize)
 {
-    return mx_ippiResizeGetBufSize(srcRoi, dstRoi, nChannel, interpolation, pSize);
+    return IppDispatch::Call(ippiResizeGetBufSize_arraddr, srcRoi, dstRoi, nChannel, interpolation, pSize);
 }

@@ -36,3 +36,20 @@ enum : IppStatus {
     ippStsWrongIntersectROI = 29,
     ippStsNotSupportedCpu = 36,
 };
+
+// Alpha compositing rules of ippiAlphaComp_8u_AC4R: over, in, out, atop, xor and plus, first on
+// straight colours, then on colours already multiplied by their alpha.
+enum IppiAlphaType : int {
+    ippAlphaOver = 0,
+    ippAlphaIn = 1,
+    ippAlphaOut = 2,
+    ippAlphaATop = 3,
+    ippAlphaXor = 4,
+    ippAlphaPlus = 5,
+    ippAlphaOverPremul = 6,
+    ippAlphaInPremul = 7,
+    ippAlphaOutPremul = 8,
+    ippAlphaATopPremul = 9,
+    ippAlphaXorPremul = 10,
+    ippAlphaPlusPremul = 11,
+};

@@ -1,0 +1,48 @@
+#pragma once
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "../Common/Frame.h"
+
+// A frame over memory of its own, every byte the sentinel to begin with, each row padded past the
+// picture, so that a test sees any byte an operation writes outside what it should.
+class TestFrame {
+public:
+    static constexpr uint8_t kSentinel = 0xA5;
+
+    // depth 0 takes the format's own depth; padBytes -1 pads each row by three pixels, so that
+    // the span holds a whole number of pixels.
+    TestFrame(PixelFormat format, int width, int height, int depth = 0, int padBytes = -1);
+    TestFrame(const TestFrame&) = delete;
+    TestFrame& operator=(const TestFrame&) = delete;
+
+    static int DepthOf(PixelFormat format);
+
+    CFrame* operator->() { return &m_frame; }
+    CFrame* Get() { return &m_frame; }
+    CFrame& operator*() { return m_frame; }
+
+    // Sample c of pixel (x, y), in record order.
+    uint8_t& Byte(int x, int y, int c) { return m_memory[Offset(x, y) + c]; }
+    float GetFloat(int x, int y, int c) const;
+    void SetFloat(int x, int y, int c, float value);
+    void SetBytes(int x, int y, uint8_t s0, uint8_t s1, uint8_t s2, uint8_t s3);
+    void SetFloats(int x, int y, float s0, float s1, float s2, float s3);
+
+    // Fills every pixel's samples (bytes or floats by the depth) from a pattern of the position.
+    void FillPattern();
+
+    std::vector<uint8_t>& Memory() { return m_memory; }
+
+    // Every byte outside the top-left width x height pixels is as it was before.
+    void ExpectUntouchedOutside(const std::vector<uint8_t>& before, int width, int height) const;
+    size_t Offset(int x, int y) const
+    {
+        return static_cast<size_t>(y) * m_frame.m_nByteSpan + static_cast<size_t>(x) * m_frame.m_nDepth;
+    }
+
+private:
+    std::vector<uint8_t> m_memory;
+    CFrame m_frame;
+};
