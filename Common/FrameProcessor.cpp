@@ -7,8 +7,19 @@
 #include "../include/InterfaceIds.h"
 #include "../platform/Atomic.h"
 #include "../primitives/ippResize.h"
+#include "../primitives/ippi.h"
+#include "AlphaBlend.h"
+#include "AlphaPremul.h"
+#include "ChannelReverse.h"
+#include "ColorSpaceConverter.h"
 #include "Copy.h"
+#include "CopyPlane.h"
 #include "Frame.h"
+#include "InvertChannel.h"
+#include "SetChannelColor.h"
+#include "SqrInPlace.h"
+#include "SqrtInPlace.h"
+#include "ThresholdLTInPlace.h"
 
 namespace {
 
@@ -48,6 +59,54 @@ double Factor(int to, int from)
 bool RowsFit(const FrameParams& frame, int64_t width, int pixelBytes)
 {
     return std::llabs(int64_t{frame.nByteSpan}) >= width * pixelBytes;
+}
+
+// The processors behind the frame service trust their frames to have pixels; a host's record
+// without them is refused here.
+bool HasPixels(const FrameParams* frame)
+{
+    return frame != nullptr && frame->pBuffer != nullptr;
+}
+
+// Drives a processor on a frame over the host's record; the frame owns nothing.
+template <typename Work>
+uint32_t OnFrame(FrameParams* frame, Work work)
+{
+    if (!HasPixels(frame))
+        return kRefused;
+    return Guarded([&] {
+        CFrame picture;
+        picture.Init(frame);
+        return work(picture);
+    });
+}
+
+template <typename Work>
+uint32_t OnFrames(FrameParams* src, FrameParams* dst, Work work)
+{
+    if (!HasPixels(src) || !HasPixels(dst))
+        return kRefused;
+    return Guarded([&] {
+        CFrame source, destination;
+        source.Init(src);
+        destination.Init(dst);
+        return work(source, destination);
+    });
+}
+
+// The 4:2:2 conversions: the common area of the two records, or an empty size when a record is
+// bottom-up or empty, or when its rows can't hold the area (2 bytes a packed pixel, 4 unpacked).
+IppiSize PackedArea(const FrameParams& packed, const FrameParams& unpacked)
+{
+    const IppiSize none = {0, 0};
+    if (packed.nByteSpan <= 0 || unpacked.nByteSpan <= 0)
+        return none;
+    const IppiSize area = {std::min(packed.nWidth, unpacked.nWidth), std::min(packed.nHeight, unpacked.nHeight)};
+    if (area.width <= 0 || area.height <= 0)
+        return none;
+    if (!RowsFit(packed, area.width, 2) || !RowsFit(unpacked, area.width, 4))
+        return none;
+    return area;
 }
 
 // Bytes a pixel of a four-channel format that the crop resize handles, or 0.
@@ -112,7 +171,7 @@ uint32_t FrameProcessor::Copy(FrameParams* src, FrameParams* dst)
 // stand, without frames and without regard to format or flipping.
 uint32_t FrameProcessor::Resize(FrameParams* src, FrameParams* dst, int mode)
 {
-    if (src == nullptr || dst == nullptr || src->pBuffer == nullptr || dst->pBuffer == nullptr)
+    if (!HasPixels(src) || !HasPixels(dst))
         return kRefused;
     if (!RowsFit(*src, src->nWidth, 4) || !RowsFit(*dst, dst->nWidth, 4))
         return kRefused;
@@ -128,65 +187,87 @@ uint32_t FrameProcessor::Resize(FrameParams* src, FrameParams* dst, int mode)
 
 uint32_t FrameProcessor::ReverseChannels(FrameParams* src, FrameParams* dst)
 {
-    if (src == nullptr || dst == nullptr)
-        return kRefused;
-    return kRefused;
+    return OnFrames(src, dst, [](CFrame& source, CFrame& destination) {
+        return Processors::CChannelReverse().Process(&source, &destination);
+    });
 }
 
-uint32_t FrameProcessor::YUY2ToRGBA(FrameParams* src, FrameParams* dst, unsigned char, IMemoryAllocator*)
+// Packed 4:2:2 to blue, green, red and the given alpha, over the common area; the allocator is
+// not needed.
+uint32_t FrameProcessor::YUY2ToRGBA(FrameParams* src, FrameParams* dst, unsigned char alpha, IMemoryAllocator*)
 {
-    if (src == nullptr || dst == nullptr || src->pBuffer == nullptr || dst->pBuffer == nullptr)
+    if (!HasPixels(src) || !HasPixels(dst))
         return kRefused;
-    return kRefused;
+    const IppiSize area = PackedArea(*src, *dst);
+    if (area.width == 0)
+        return kRefused;
+    return Guarded([&] {
+        return ippiYCbCr422ToBGR_8u_C2C4R(src->pBuffer, src->nByteSpan, dst->pBuffer, dst->nByteSpan, area, alpha) ==
+               ippStsNoErr;
+    });
 }
 
+// Blue, green and red to packed 4:2:2 over the common area; alpha is dropped.
 uint32_t FrameProcessor::RGBAToYUY2(FrameParams* src, FrameParams* dst, IMemoryAllocator*)
 {
-    if (src == nullptr || dst == nullptr || src->pBuffer == nullptr || dst->pBuffer == nullptr)
+    if (!HasPixels(src) || !HasPixels(dst))
         return kRefused;
-    return kRefused;
+    const IppiSize area = PackedArea(*dst, *src);
+    if (area.width == 0)
+        return kRefused;
+    return Guarded([&] {
+        return ippiBGRToYCbCr422_8u_AC4C2R(src->pBuffer, src->nByteSpan, dst->pBuffer, dst->nByteSpan, area) ==
+               ippStsNoErr;
+    });
 }
 
-uint32_t FrameProcessor::SetChannelValue(FrameParams* frame, unsigned int, unsigned int)
+uint32_t FrameProcessor::SetChannelValue(FrameParams* frame, unsigned int channel, unsigned int value)
 {
-    if (frame == nullptr)
-        return kRefused;
-    return kRefused;
+    return OnFrame(frame, [&](CFrame& picture) {
+        return Processors::CSetChannelColor().Process(&picture, channel, value);
+    });
 }
 
-uint32_t FrameProcessor::AlphaBlend(FrameParams* out, FrameParams* in1, FrameParams* in2, bool)
+// The output comes first here and last in the processor.
+uint32_t FrameProcessor::AlphaBlend(FrameParams* out, FrameParams* in1, FrameParams* in2, bool premultiplied)
 {
-    if (out == nullptr || in1 == nullptr || in2 == nullptr)
+    if (!HasPixels(out) || !HasPixels(in1) || !HasPixels(in2))
         return kRefused;
-    return kRefused;
+    return Guarded([&] {
+        CFrame output, foreground, background;
+        output.Init(out);
+        foreground.Init(in1);
+        background.Init(in2);
+        return Processors::CAlphaBlend().Process(&foreground, &background, &output, premultiplied);
+    });
 }
 
 uint32_t FrameProcessor::SwapChannels(FrameParams* frame, unsigned int* order)
 {
-    if (frame == nullptr || order == nullptr)
+    if (order == nullptr)
         return kRefused;
-    return kRefused;
+    return OnFrame(frame, [&](CFrame& picture) { return Processors::CChannelReverse().Process(&picture, order); });
 }
 
 uint32_t FrameProcessor::AlphaPremul(FrameParams* frame)
 {
-    if (frame == nullptr)
-        return kRefused;
-    return kRefused;
+    return OnFrame(frame, [](CFrame& picture) { return Processors::CAlphaPremul().Process(picture, picture); });
 }
 
+// The converter reports success whatever its steps did: a source it can't take leaves the
+// destination as it was and still gives 1.
 uint32_t FrameProcessor::AppleR4FLToARGB32(FrameParams* src, FrameParams* dst)
 {
-    if (src == nullptr || dst == nullptr)
-        return kRefused;
-    return kRefused;
+    return OnFrames(src, dst, [](CFrame& source, CFrame& destination) {
+        return Processors::CColorSpaceConverter().AppleR4FLToARGB32(source, destination);
+    });
 }
 
 uint32_t FrameProcessor::ARGB32ToAppleR4FL(FrameParams* src, FrameParams* dst)
 {
-    if (src == nullptr || dst == nullptr)
-        return kRefused;
-    return kRefused;
+    return OnFrames(src, dst, [](CFrame& source, CFrame& destination) {
+        return Processors::CColorSpaceConverter().ARGB32ToAppleR4FL(source, destination);
+    });
 }
 
 // Row i of src goes to row rows - 1 - i of dst, over the common rows and row bytes. Succeeds
@@ -235,46 +316,44 @@ uint32_t FrameProcessor::FlipFrame(FrameParams* frame)
     return kDone;
 }
 
-uint32_t FrameProcessor::CopyChannel(FrameParams* src, FrameParams* dst, int, int)
+uint32_t FrameProcessor::CopyChannel(FrameParams* src, FrameParams* dst, int srcChannel, int dstChannel)
 {
-    if (src == nullptr || dst == nullptr)
-        return kRefused;
-    return kRefused;
+    return OnFrames(src, dst, [&](CFrame& source, CFrame& destination) {
+        return Processors::CCopyPlane().Process(&source, &destination, srcChannel, dstChannel);
+    });
 }
 
-uint32_t FrameProcessor::InvertChannel(FrameParams* frame, int)
+uint32_t FrameProcessor::InvertChannel(FrameParams* frame, int channel)
 {
-    if (frame == nullptr)
-        return kRefused;
-    return kRefused;
+    return OnFrame(frame, [&](CFrame& picture) { return Processors::CInvertChannel().Process(&picture, channel); });
 }
 
 uint32_t FrameProcessor::SqrInPlace(FrameParams* frame)
 {
-    if (frame == nullptr)
-        return kRefused;
-    return kRefused;
+    return OnFrame(frame, [](CFrame& picture) { return Processors::CSqrInPlace().Process(&picture); });
 }
 
+// A negative sample becomes a not-a-number and gives 0, though the whole picture is done.
 uint32_t FrameProcessor::SqrtInPlace(FrameParams* frame)
 {
-    if (frame == nullptr)
-        return kRefused;
-    return kRefused;
+    return OnFrame(frame, [](CFrame& picture) { return Processors::CSqrtInPlace().Process(&picture); });
 }
 
+// Each sample below its channel's threshold becomes that threshold.
 uint32_t FrameProcessor::ThresholdLTInPlace(FrameParams* frame, const float* thresholds)
 {
-    if (frame == nullptr || thresholds == nullptr)
+    if (thresholds == nullptr)
         return kRefused;
-    return kRefused;
+    return OnFrame(frame, [&](CFrame& picture) {
+        return Processors::CThresholdLTInPlace().Process(&picture, thresholds);
+    });
 }
 
 // The rectangle (right and bottom inside) onto the whole destination. Its size is capped at the
 // destination's, so a crop only ever enlarges or copies: a wider rectangle loses its right part.
 uint32_t FrameProcessor::ResizeCrop(FrameParams* src, tagRECT* rect, FrameParams* dst, int mode)
 {
-    if (src == nullptr || rect == nullptr || dst == nullptr || src->pBuffer == nullptr || dst->pBuffer == nullptr)
+    if (!HasPixels(src) || rect == nullptr || !HasPixels(dst))
         return kRefused;
     const int pixelBytes = CropPixelBytes(src->pfFormat);
     if (pixelBytes == 0 || src->nDepth != pixelBytes)
