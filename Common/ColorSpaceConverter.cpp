@@ -136,7 +136,7 @@ bool ApplyConstants(const CFrame& src, const CFrame& dst, const float* constants
     return status == ippStsNoErr;
 }
 
-// The primitives take the tables as writable arrays; each call gets its own copy.
+// The matrix operations take their tables as writable arrays; each call gets its own copy.
 struct Constants {
     explicit Constants(const float (&values)[3]) : m_values{values[0], values[1], values[2]} {}
     float m_values[3];
