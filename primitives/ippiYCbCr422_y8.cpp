@@ -41,41 +41,36 @@ void Sse41Rows::YCbCr422ToBGR(const uint8_t* s, uint8_t* d, size_t n, uint8_t al
     PlainRows::YCbCr422ToBGR(s + 2 * x, d + 4 * x, n - x, alphaValue);
 }
 
+// Products in 16-bit pairs: 33030 G is taken as 16515 G twice, once beside B and once beside R,
+// and chroma from the pair sums of B, G and R. Results lie within 16 to 240, so packing them with
+// saturation gives the same bytes as cutting them.
 void Sse41Rows::BGRToYCbCr422(const uint8_t* s, uint8_t* d, size_t n)
 {
-    const __m128i takeB = _mm_setr_epi8(0, -1, -1, -1, 4, -1, -1, -1, 8, -1, -1, -1, 12, -1, -1, -1);
-    const __m128i takeG = _mm_setr_epi8(1, -1, -1, -1, 5, -1, -1, -1, 9, -1, -1, -1, 13, -1, -1, -1);
-    const __m128i takeR = _mm_setr_epi8(2, -1, -1, -1, 6, -1, -1, -1, 10, -1, -1, -1, 14, -1, -1, -1);
-    const __m128i lowBytes = _mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
-    const __m128i highBytes = _mm_setr_epi8(-1, -1, -1, -1, 0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1);
-    const __m128i chromaBias = _mm_set1_epi32(0x1004000);
+    const __m128i firstPair = _mm_setr_epi8(0, -1, 1, -1, 2, -1, 1, -1, 4, -1, 5, -1, 6, -1, 5, -1);
+    const __m128i secondPair = _mm_setr_epi8(8, -1, 9, -1, 10, -1, 9, -1, 12, -1, 13, -1, 14, -1, 13, -1);
+    const __m128i lumaWeights = _mm_setr_epi16(6423, 16515, 16843, 16515, 6423, 16515, 16843, 16515);
+    const __m128i cbWeights = _mm_setr_epi16(28770, -19071, -9699, 0, 28770, -19071, -9699, 0);
+    const __m128i crWeights = _mm_setr_epi16(-4653, -24117, 28770, 0, -4653, -24117, 28770, 0);
+    // From Y0, Y1, Y2, Y3, Cb01, Cb23, Cr01, Cr23 to Y0, Cb01, Y1, Cr01, Y2, Cb23, Y3, Cr23.
+    const __m128i order = _mm_setr_epi8(0, 4, 1, 6, 2, 5, 3, 7, -1, -1, -1, -1, -1, -1, -1, -1);
     size_t x = 0;
     for (; x + 4 <= n; x += 4) {
         const __m128i pixels = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + 4 * x));
-        const __m128i b = _mm_shuffle_epi8(pixels, takeB);
-        const __m128i g = _mm_shuffle_epi8(pixels, takeG);
-        const __m128i r = _mm_shuffle_epi8(pixels, takeR);
         const __m128i luma = _mm_srai_epi32(
-            _mm_add_epi32(_mm_add_epi32(_mm_add_epi32(Times(b, 6423), Times(g, 33030)), Times(r, 16843)),
+            _mm_add_epi32(_mm_hadd_epi32(_mm_madd_epi16(_mm_shuffle_epi8(pixels, firstPair), lumaWeights),
+                                         _mm_madd_epi16(_mm_shuffle_epi8(pixels, secondPair), lumaWeights)),
                           _mm_set1_epi32(0x108000)),
             16);
-        // Sums of each pair, in the low two lanes.
-        const __m128i bPair = _mm_hadd_epi32(b, b);
-        const __m128i gPair = _mm_hadd_epi32(g, g);
-        const __m128i rPair = _mm_hadd_epi32(r, r);
-        const __m128i cb = _mm_srai_epi32(
-            _mm_add_epi32(_mm_sub_epi32(_mm_sub_epi32(Times(bPair, 28770), Times(gPair, 19071)), Times(rPair, 9699)),
-                          chromaBias),
+        const __m128i low = _mm_cvtepu8_epi16(pixels);
+        const __m128i high = _mm_cvtepu8_epi16(_mm_srli_si128(pixels, 8));
+        const __m128i sums = _mm_unpacklo_epi64(_mm_add_epi16(low, _mm_srli_si128(low, 8)),
+                                                _mm_add_epi16(high, _mm_srli_si128(high, 8)));
+        const __m128i chroma = _mm_srai_epi32(
+            _mm_add_epi32(_mm_hadd_epi32(_mm_madd_epi16(sums, cbWeights), _mm_madd_epi16(sums, crWeights)),
+                          _mm_set1_epi32(0x1004000)),
             17);
-        const __m128i cr = _mm_srai_epi32(
-            _mm_add_epi32(_mm_add_epi32(_mm_sub_epi32(Times(rPair, 28770), Times(gPair, 24117)), Times(bPair, -4653)),
-                          chromaBias),
-            17);
-        const __m128i chroma = _mm_unpacklo_epi32(cb, cr);
-        // Y0, Cb, Y1, Cr, Y2, Cb, Y3, Cr, each cut to its low byte.
-        const __m128i first = _mm_shuffle_epi8(_mm_unpacklo_epi32(luma, chroma), lowBytes);
-        const __m128i second = _mm_shuffle_epi8(_mm_unpackhi_epi32(luma, chroma), highBytes);
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(d + 2 * x), _mm_or_si128(first, second));
+        const __m128i bytes = _mm_packus_epi16(_mm_packs_epi32(luma, chroma), _mm_setzero_si128());
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(d + 2 * x), _mm_shuffle_epi8(bytes, order));
     }
     PlainRows::BGRToYCbCr422(s + 4 * x, d + 2 * x, n - x);
 }

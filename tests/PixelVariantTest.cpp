@@ -16,7 +16,8 @@
 #include "GuardedBlock.h"
 #include "VariantIndex.h"
 
-namespace {
+namespace
+{
 
 // A picture of a member: bytes a pixel, and the bytes of the last pixel that the member may touch
 // (less than a pixel for alpha-skipping forms and channel pointers).
@@ -31,7 +32,7 @@ struct Call {
     int src1Step;
     const uint8_t* src2;
     int src2Step;
-    uint8_t* dst;   // also the picture of an in-place member
+    uint8_t* dst; // also the picture of an in-place member
     int dstStep;
     IppiSize size;
 };
@@ -58,8 +59,8 @@ float* F(uint8_t* p)
 
 const Ipp32f kValue3[3] = {0.5f, -1.25f, 3e-3f};
 const Ipp32f kFactor3[3] = {1.5f, -0.75f, 255.0f};
-const Ipp32f kTwist[3][4] = {{0.299f, 0.587f, 0.114f, 0.0625f}, {-0.1687f, -0.3313f, 0.5f, 0.5f},
-                             {0.5f, -0.4187f, -0.0813f, -0.25f}};
+const Ipp32f kTwist[3][4] = {
+    {0.299f, 0.587f, 0.114f, 0.0625f}, {-0.1687f, -0.3313f, 0.5f, 0.5f}, {0.5f, -0.4187f, -0.0813f, -0.25f}};
 const Ipp32f kThreshold[4] = {0.25f, 0.5f, -0.5f, 0.75f};
 const Ipp32f kReplacement[4] = {1.0f, 2.0f, 3.0f, 4.0f};
 const Ipp8u kPixel8u[4] = {1, 128, 254, 255};
@@ -105,21 +106,15 @@ std::vector<Member> Members()
         {"AlphaPremul_8u_AC4R", b4, kNone, b4, false, 1,
          [](const Call& c) { return ippiAlphaPremul_8u_AC4R(c.src1, c.src1Step, c.dst, c.dstStep, c.size); }},
         {"YCbCr422ToBGR_8u_C2C4R", b2, kNone, b4, false, 2,
-         [](const Call& c) {
-             return ippiYCbCr422ToBGR_8u_C2C4R(c.src1, c.src1Step, c.dst, c.dstStep, c.size, 0x5a);
-         }},
+         [](const Call& c) { return ippiYCbCr422ToBGR_8u_C2C4R(c.src1, c.src1Step, c.dst, c.dstStep, c.size, 0x5a); }},
         {"BGRToYCbCr422_8u_AC4C2R", b4, kNone, b2, false, 2,
          [](const Call& c) { return ippiBGRToYCbCr422_8u_AC4C2R(c.src1, c.src1Step, c.dst, c.dstStep, c.size); }},
         {"AddC_32f_AC4R", floatColour, kNone, floatColour, true, 1,
-         [](const Call& c) {
-             return ippiAddC_32f_AC4R(F(c.src1), c.src1Step, kValue3, F(c.dst), c.dstStep, c.size);
-         }},
+         [](const Call& c) { return ippiAddC_32f_AC4R(F(c.src1), c.src1Step, kValue3, F(c.dst), c.dstStep, c.size); }},
         {"AddC_32f_AC4IR", kNone, kNone, floatColour, true, 1,
          [](const Call& c) { return ippiAddC_32f_AC4IR(kValue3, F(c.dst), c.dstStep, c.size); }},
         {"MulC_32f_AC4R", floatColour, kNone, floatColour, true, 1,
-         [](const Call& c) {
-             return ippiMulC_32f_AC4R(F(c.src1), c.src1Step, kFactor3, F(c.dst), c.dstStep, c.size);
-         }},
+         [](const Call& c) { return ippiMulC_32f_AC4R(F(c.src1), c.src1Step, kFactor3, F(c.dst), c.dstStep, c.size); }},
         {"MulC_32f_AC4IR", kNone, kNone, floatColour, true, 1,
          [](const Call& c) { return ippiMulC_32f_AC4IR(kFactor3, F(c.dst), c.dstStep, c.size); }},
         {"ColorTwist_32f_AC4R", floatColour, kNone, floatColour, true, 1,
@@ -138,11 +133,11 @@ std::vector<Member> Members()
          }},
     };
     for (int type = ippAlphaOver; type <= ippAlphaPlusPremul; ++type)
-        members.push_back({"AlphaComp_8u_AC4R type " + std::to_string(type), b4, b4, b4, false, 1,
-                           [type](const Call& c) {
-                               return ippiAlphaComp_8u_AC4R(c.src1, c.src1Step, c.src2, c.src2Step, c.dst, c.dstStep,
-                                                            c.size, static_cast<IppiAlphaType>(type));
-                           }});
+        members.push_back(
+            {"AlphaComp_8u_AC4R type " + std::to_string(type), b4, b4, b4, false, 1, [type](const Call& c) {
+                 return ippiAlphaComp_8u_AC4R(c.src1, c.src1Step, c.src2, c.src2Step, c.dst, c.dstStep, c.size,
+                                              static_cast<IppiAlphaType>(type));
+             }});
     const int orders[][4] = {{3, 2, 1, 0}, {0, 0, 0, 0}, {2, 0, 3, 1}, {0, 1, 2, 3}};
     for (const auto& order : orders)
         members.push_back({"SwapChannels_8u_C4IR order " + std::to_string(order[0]) + std::to_string(order[1]) +
@@ -163,8 +158,9 @@ void Fill(uint8_t* p, size_t bytes, bool floats, std::mt19937& random)
             p[i] = random() % 4 == 0 ? edges[random() % 4] : static_cast<uint8_t>(random());
         return;
     }
-    const float specials[] = {0.0f,  -0.0f, std::numeric_limits<float>::infinity(), -1.0f,
-                              1.0f,  std::numeric_limits<float>::quiet_NaN(), 1e-40f, 3e38f};
+    const float specials[] = {0.0f,   -0.0f, std::numeric_limits<float>::infinity(),
+                              -1.0f,  1.0f,  std::numeric_limits<float>::quiet_NaN(),
+                              1e-40f, 3e38f};
     std::uniform_real_distribution<float> ordinary(-2.0f, 2.0f);
     for (size_t i = 0; i + 4 <= bytes; i += 4) {
         const float v = random() % 8 == 0 ? specials[random() % 8] : ordinary(random);
@@ -186,7 +182,8 @@ Picture Place(const Shape& shape, IppiSize size, size_t widen, bool floats, uint
     Picture picture;
     if (shape.pixelBytes == 0)
         return picture;
-    picture.step = static_cast<int>(size.width * shape.pixelBytes + widen);
+    // Float rows keep the samples' own alignment; bytes may start anywhere.
+    picture.step = static_cast<int>(size.width * shape.pixelBytes + (floats ? widen / 4 * 4 : widen));
     picture.bytes = static_cast<size_t>(size.height - 1) * picture.step + (size.width - 1) * shape.pixelBytes +
                     shape.lastPixelBytes;
     picture.block = std::make_unique<GuardedBlock>(picture.bytes, GuardedBlock::Guard::AfterEnd);
@@ -209,8 +206,8 @@ Trial RunAt(const Member& member, IppiSize size, const size_t widen[3], uint32_t
     trial.src2 = Place(member.src2, size, widen[1], member.floats, seed + 1);
     trial.dst = Place(member.dst, size, widen[2], member.floats, seed + 2);
     auto data = [](Picture& p) { return p.block ? p.block->Data() : nullptr; };
-    const Call call = {data(trial.src1), trial.src1.step, data(trial.src2), trial.src2.step,
-                       data(trial.dst),  trial.dst.step,  size};
+    const Call call = {
+        data(trial.src1), trial.src1.step, data(trial.src2), trial.src2.step, data(trial.dst), trial.dst.step, size};
     ScopedVariantIndex variant(index);
     trial.status = member.run(call);
     return trial;
