@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "../Common/FrameProcessor.h"
 #include "../Common/PresetSaver.h"
 #include "../include/InterfaceIds.h"
 #include "../platform/Atomic.h"
@@ -58,7 +59,7 @@ IVideoEffect* CDeglarerPro::CreateEffect(unsigned int index)
     return new (std::nothrow) CDeglarer();
 }
 
-// Help, the services and the frame service are offered once they exist.
+// Help and the services are offered once they exist.
 bool CDeglarerPro::OpenHelp(OpaqueWindowPtr*, unsigned int)
 {
     return false;
@@ -69,9 +70,10 @@ ILibraryServices* CDeglarerPro::GetLibraryServices()
     return nullptr;
 }
 
+// A new object for each call, with the caller's one reference.
 IFrameProcessor* CDeglarerPro::GetFrameProcessor()
 {
-    return nullptr;
+    return new (std::nothrow) FrameProcessor();
 }
 
 IPresetSaver* CDeglarerPro::GetPresetSaver()

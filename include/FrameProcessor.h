@@ -5,6 +5,11 @@
 class IMemoryAllocator;
 
 // The library's image operations offered to the host. Every operation returns 1 on success, 0 on failure.
+// Hosts call by slot, so the order below is the contract: after QueryInterface 0, AddRef 1, Release 2
+// and the two destructors 3 and 4 come Copy 5, Resize 6, ReverseChannels 7, YUY2ToRGBA 8, RGBAToYUY2 9,
+// SetChannelValue 10, AlphaBlend 11, SwapChannels 12, AlphaPremul 13, AppleR4FLToARGB32 14,
+// ARGB32ToAppleR4FL 15, FlipFrame(src, dst) 16, FlipFrame(frame) 17, CopyChannel 18, InvertChannel 19,
+// SqrInPlace 20, SqrtInPlace 21, ThresholdLTInPlace 22, ResizeCrop 23.
 class IFrameProcessor : public IUnknown {
 public:
     virtual uint32_t Copy(FrameParams* src, FrameParams* dst) = 0;
@@ -27,3 +32,4 @@ public:
     virtual uint32_t ThresholdLTInPlace(FrameParams* frame, const float* thresholds) = 0;
     virtual uint32_t ResizeCrop(FrameParams* src, tagRECT* rect, FrameParams* dst, int mode) = 0;
 };
+static_assert(sizeof(IFrameProcessor) == sizeof(void*), "IFrameProcessor is its table pointer alone");
