@@ -67,15 +67,13 @@ TEST(PresetModule, SaverComesFromTheLibraryAndAnswersThroughItsSlots)
     CEffectPreset preset;
     std::memset(&preset, 0x3C, sizeof preset);
     CEffectPreset before = preset;
-    EXPECT_EQ((CallSlot<int, OpaqueWindowPtr*, IEffectLibrary*, unsigned int, CEffectPreset*, char*>(
-                  saver, kSaveSlot, nullptr, library, 0u, nullptr, nullptr)),
-              1);
-    EXPECT_EQ((CallSlot<int, OpaqueWindowPtr*, IEffectLibrary*, unsigned int, CEffectPreset*, char*>(
-                  saver, kSaveSlot, nullptr, library, 0u, &preset, nullptr)),
-              1);
-    EXPECT_EQ((CallSlot<int, OpaqueWindowPtr*, IEffectLibrary*, unsigned int, CEffectPreset*, char*>(
-                  saver, kLoadSlot, nullptr, library, 0u, &preset, nullptr)),
-              1);
+    auto call = [&](int slot, CEffectPreset* record) {
+        return CallSlot<int, OpaqueWindowPtr*, IEffectLibrary*, unsigned int, CEffectPreset*, char*>(
+            saver, slot, nullptr, library, 0u, record, nullptr);
+    };
+    EXPECT_EQ(call(kSaveSlot, nullptr), 1);
+    EXPECT_EQ(call(kSaveSlot, &preset), 1);
+    EXPECT_EQ(call(kLoadSlot, &preset), 1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(std::memcmp(&preset, &before, sizeof preset), 0);
 

@@ -1,5 +1,8 @@
 #pragma once
+#include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <string>
@@ -68,12 +71,8 @@ inline CEffectPreset Untouched()
     return preset;
 }
 
-inline bool SameBytes(const CEffectPreset& a, const CEffectPreset& b)
-{
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
-inline bool SameBytes(const EffectParam& a, const EffectParam& b)
+template <typename T>
+bool SameBytes(const T& a, const T& b)
 {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
@@ -83,6 +82,21 @@ inline uint32_t Bits(float value)
     uint32_t bits;
     std::memcpy(&bits, &value, sizeof bits);
     return bits;
+}
+
+// The value a float has after a file: its "%f" text read back and narrowed; what doesn't print
+// as a number reads as 0.
+inline float ThroughText(float value)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%f", static_cast<double>(value));
+    return std::isfinite(value) ? static_cast<float>(std::strtod(text, nullptr)) : 0.0f;
+}
+
+// A "Preset" root with the given children.
+inline std::string PresetWith(const std::string& parameters)
+{
+    return "<Preset Name=\"n\" LibraryName=\"l\" EffectName=\"e\">" + parameters + "</Preset>";
 }
 
 const char kLibraryName[] = "Tessarel Deglarer Pro";
