@@ -71,9 +71,9 @@ std::vector<uint8_t> Direct(TestFrame& src, tagRECT srcRect, TestFrame& dst, tag
     std::vector<uint8_t> work(bytes);
     uint8_t* dstStart = out.data() + static_cast<size_t>(dstRect.top) * dst.span +
                         static_cast<size_t>(dstRect.left) * format.depth;
-    EXPECT_EQ(ResizeAreasAt(!format.floats, format.channels, src.Pixel(srcRect.left, srcRect.top), srcSize, src.span,
-                            srcRoi, dstStart, dst.span, dstRoi, xFactor, yFactor,
-                            xShift, yShift, interpolation, work.data()),
+    const Call call = {srcSize, src.span, srcRoi, dst.span, dstRoi, xFactor, yFactor, xShift, yShift, interpolation};
+    EXPECT_EQ(RunMember({true, !format.floats, format.channels}, call, src.Pixel(srcRect.left, srcRect.top), dstStart,
+                  work.data()),
               ippStsNoErr);
     return out;
 }
