@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <tinyxml.h>
 
 #include <cfloat>
@@ -315,6 +316,19 @@ TEST_F(PresetSerializerTest, CutsNamesToTheirFieldsAtWholeCharacters)
     ASSERT_TRUE(RoundTrip(preset, &loaded, &text));
     EXPECT_LT(text.size(), CPresetSerializer::kMaxFileBytes / 3 * 2);
     EXPECT_TRUE(SameBytes(loaded, preset));
+}
+
+// A save renames a whole new file over the old one, so a write that fails halfway can't leave
+// half a file (the renaming itself is the whole-file tests' concern).
+TEST_F(PresetSerializerTest, SavePutsANewFileInTheOldOnesPlace)
+{
+    const std::string path = files.Write("old.fxpunka", "old");
+    struct stat before, after;
+    ASSERT_EQ(stat(path.c_str(), &before), 0);
+    CEffectPreset preset = Record("n", "l", "e", {Integer(1)});
+    ASSERT_TRUE(serializer.Save(path.c_str(), &preset));
+    ASSERT_EQ(stat(path.c_str(), &after), 0);
+    EXPECT_NE(after.st_ino, before.st_ino);
 }
 
 TEST_F(PresetSerializerTest, RefusesNullAndUnwritableArgumentsWritingNothing)
