@@ -32,7 +32,8 @@ void RoundTripInThisLocale(const TempDirectory& files)
 {
     const std::string before = Printed(0.5);
     CPresetSerializer serializer;
-    CEffectPreset preset = Record("Komma", kLibraryName, kEffectName, {Float(0.25f), Point(-1.5f, 2.75f), Integer(-42)});
+    CEffectPreset preset =
+        Record("Komma", kLibraryName, kEffectName, {Float(0.25f), Point(-1.5f, 2.75f), Integer(-42)});
     const std::string path = files.Path("locale.fxpunka");
     ASSERT_TRUE(serializer.Save(path.c_str(), &preset));
     const std::string text = ReadFile(path);
