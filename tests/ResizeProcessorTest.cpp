@@ -21,16 +21,7 @@ struct TestFrame {
     {
         frame.Init(bytes.data(), width, height, span, depth, format, false);
     }
-    void FillRandom(std::mt19937& rng, bool floats)
-    {
-        for (size_t i = 0; i < bytes.size(); i += floats ? 4 : 1) {
-            const float sample = static_cast<float>(rng() % 256) / 255.0f;
-            if (floats)
-                std::memcpy(&bytes[i], &sample, sizeof sample);
-            else
-                bytes[i] = static_cast<uint8_t>(rng());
-        }
-    }
+    void FillRandom(std::mt19937& rng, bool floats) { ::FillRandom(bytes.data(), bytes.size(), !floats, rng); }
     uint8_t* Pixel(int x, int y)
     {
         return bytes.data() + static_cast<size_t>(y) * span + static_cast<size_t>(x) * frame.m_nDepth;

@@ -66,6 +66,17 @@ void TestPicture::FillRandom(std::mt19937& rng)
     Fill([&](int, int, int) { return bytes ? byte(rng) : byte(rng) / 255.0; });
 }
 
+void FillRandom(uint8_t* block, size_t length, bool bytes, std::mt19937& rng)
+{
+    for (size_t i = 0; i + (bytes ? 1 : 4) <= length; i += bytes ? 1 : 4) {
+        const float sample = static_cast<float>(rng() % 1000) / 999.0f;
+        if (bytes)
+            block[i] = static_cast<uint8_t>(rng());
+        else
+            std::memcpy(block + i, &sample, sizeof sample);
+    }
+}
+
 ResizeReference::Source TestPicture::AsSource() const
 {
     return {[this](int x, int y, int c) { return Get(x, y, c); }, size, channels, bytes};

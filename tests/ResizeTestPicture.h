@@ -42,6 +42,9 @@ private:
     uint8_t* m_pOrigin;
 };
 
+// Random samples over a whole block, padding included: bytes, or floats of 0 to 1.
+void FillRandom(uint8_t* block, size_t length, bool bytes, std::mt19937& rng);
+
 const int kModes[] = {IPPI_INTER_NN, IPPI_INTER_LINEAR, IPPI_INTER_CUBIC, IPPI_INTER_LANCZOS};
 
 // The six resize members: corner-to-corner (ippiResize_*) or pixel-area (ippiResizeSqrPixel_*),

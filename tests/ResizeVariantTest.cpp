@@ -12,17 +12,6 @@
 
 namespace {
 
-void FillRandom(uint8_t* bytes, size_t length, bool byteSamples, std::mt19937& rng)
-{
-    for (size_t i = 0; i < length; i += byteSamples ? 1 : 4) {
-        const float sample = static_cast<float>(rng() % 1000) / 999.0f;
-        if (byteSamples)
-            bytes[i] = static_cast<uint8_t>(rng());
-        else
-            std::memcpy(bytes + i, &sample, sizeof sample);
-    }
-}
-
 TEST(ResizeVariants, Sse41GivesThePlainResultsBitForBit)
 {
     if (!__builtin_cpu_supports("sse4.1"))
