@@ -21,33 +21,27 @@ inline EffectParam Typed(uint32_t type)
     return parameter;
 }
 
-inline EffectParam Float(float value)
-{
-    EffectParam parameter = Typed(eptFloat);
-    parameter.value.fValue = value;
-    return parameter;
-}
-
-inline EffectParam Integer(int32_t value, uint32_t type = eptInteger)
+// A parameter of `type` whose value `set` writes.
+template <typename Set>
+EffectParam Typed(uint32_t type, Set set)
 {
     EffectParam parameter = Typed(type);
-    parameter.value.nValue = value;
+    set(parameter.value);
     return parameter;
 }
 
-inline EffectParam Bool(uint8_t byte)
+inline EffectParam Float(float f) { return Typed(eptFloat, [f](auto& value) { value.fValue = f; }); }
+inline EffectParam Bool(uint8_t byte) { return Typed(eptBool, [byte](auto& value) { value.bytes[0] = byte; }); }
+inline EffectParam Integer(int32_t n, uint32_t type = eptInteger)
 {
-    EffectParam parameter = Typed(eptBool);
-    parameter.value.bytes[0] = byte;
-    return parameter;
+    return Typed(type, [n](auto& value) { value.nValue = n; });
 }
-
 inline EffectParam Point(float x, float y)
 {
-    EffectParam parameter = Typed(eptPoint);
-    parameter.value.ptValue.x = x;
-    parameter.value.ptValue.y = y;
-    return parameter;
+    return Typed(eptPoint, [x, y](auto& value) {
+        value.ptValue.x = x;
+        value.ptValue.y = y;
+    });
 }
 
 inline CEffectPreset Record(const std::string& name, const std::string& library, const std::string& effect,

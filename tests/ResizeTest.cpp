@@ -15,10 +15,11 @@ namespace {
 
 TEST(Resize, RefusesBadArgumentsInOrderWithoutWriting)
 {
+    enum Null { kNone, kSrc, kDst, kWork };
     struct Case {
         const char* what;
         bool areas;
-        bool nullSrc, nullDst, nullBuffer;
+        Null null;
         IppiSize srcSize;
         IppiRect roi, dstRoi;
         double xFactor, yFactor, xShift;
@@ -29,52 +30,42 @@ TEST(Resize, RefusesBadArgumentsInOrderWithoutWriting)
     const IppiSize size = {8, 8};
     const IppiRect whole = {0, 0, 8, 8};
     const Case cases[] = {
-        {"null source before sizes", false, true, false, false, {0, 0}, whole, whole, 1, 1, 0, 2, ippStsNullPtrErr},
-        {"null destination", false, false, true, false, size, whole, whole, 1, 1, 0, 2, ippStsNullPtrErr},
-        {"empty source", false, false, false, false, {8, 0}, whole, whole, 1, 1, 0, 2, ippStsSizeErr},
-        {"negative region x", false, false, false, false, size, {-1, 0, 8, 8}, whole, 1, 1, 0, 2, ippStsSizeErr},
-        {"empty region", false, false, false, false, size, {0, 0, 8, 0}, whole, 1, 1, 0, 2, ippStsSizeErr},
-        {"region at the width, before the destination", false, false, false, false, size, {8, 0, 1, 1},
-         {0, 0, 0, 0}, 1, 1, 0, 2, ippStsWrongIntersectROI},
-        {"region below the height", false, false, false, false, size, {0, 9, 1, 1}, whole, 1, 1, 0, 2,
+        {"null source before sizes", false, kSrc, {0, 0}, whole, whole, 1, 1, 0, 2, ippStsNullPtrErr},
+        {"null destination", false, kDst, size, whole, whole, 1, 1, 0, 2, ippStsNullPtrErr},
+        {"empty source", false, kNone, {8, 0}, whole, whole, 1, 1, 0, 2, ippStsSizeErr},
+        {"negative region x", false, kNone, size, {-1, 0, 8, 8}, whole, 1, 1, 0, 2, ippStsSizeErr},
+        {"empty region", false, kNone, size, {0, 0, 8, 0}, whole, 1, 1, 0, 2, ippStsSizeErr},
+        {"region at the width, before the destination", false, kNone, size, {8, 0, 1, 1}, {0, 0, 0, 0}, 1, 1, 0, 2,
          ippStsWrongIntersectROI},
-        {"empty destination before the factor", false, false, false, false, size, whole, {0, 0, 8, 0}, 0, 1, 0, 2,
-         ippStsSizeErr},
-        {"x factor 0 before the interpolation", false, false, false, false, size, whole, whole, 0, 1, 0, 3,
-         ippStsResizeFactorErr},
-        {"negative y factor", false, false, false, false, size, whole, whole, 1, -1, 0, 2, ippStsResizeFactorErr},
-        {"factor not a number", false, false, false, false, size, whole, whole, nan, 1, 0, 2, ippStsResizeFactorErr},
-        {"interpolation 3", false, false, false, false, size, whole, whole, 1, 1, 0, 3, ippStsInterpolationErr},
-        {"area decimation is not built", false, false, false, false, size, whole, whole, 1, 1, 0, 8,
-         ippStsInterpolationErr},
-        {"below half a pixel", false, false, false, false, size, whole, whole, 0.06, 1, 0, 2,
+        {"region below the height", false, kNone, size, {0, 9, 1, 1}, whole, 1, 1, 0, 2, ippStsWrongIntersectROI},
+        {"empty destination before the factor", false, kNone, size, whole, {0, 0, 8, 0}, 0, 1, 0, 2, ippStsSizeErr},
+        {"x factor 0 before the interpolation", false, kNone, size, whole, whole, 0, 1, 0, 3, ippStsResizeFactorErr},
+        {"negative y factor", false, kNone, size, whole, whole, 1, -1, 0, 2, ippStsResizeFactorErr},
+        {"factor not a number", false, kNone, size, whole, whole, nan, 1, 0, 2, ippStsResizeFactorErr},
+        {"interpolation 3", false, kNone, size, whole, whole, 1, 1, 0, 3, ippStsInterpolationErr},
+        {"area decimation is not built", false, kNone, size, whole, whole, 1, 1, 0, 8, ippStsInterpolationErr},
+        {"below half a pixel", false, kNone, size, whole, whole, 0.06, 1, 0, 2, ippStsResizeNoOperationErr},
+        {"region cut to the picture is below half a pixel", false, kNone, size, {7, 0, 50, 8}, whole, 0.45, 1, 0, 2,
          ippStsResizeNoOperationErr},
-        {"region cut to the picture is below half a pixel", false, false, false, false, size, {7, 0, 50, 8}, whole,
-         0.45, 1, 0, 2, ippStsResizeNoOperationErr},
-        {"tables too large to allocate", false, false, false, false, size, whole, {0, 0, INT32_MAX, 8}, 1e9, 1, 0, 2,
+        {"tables too large to allocate", false, kNone, size, whole, {0, 0, INT32_MAX, 8}, 1e9, 1, 0, 2,
          ippStsMemAllocErr},
-        {"half a pixel gives one", false, false, false, false, size, whole, whole, 0.0625, 1, 0, 2, ippStsNoErr},
+        {"half a pixel gives one", false, kNone, size, whole, whole, 0.0625, 1, 0, 2, ippStsNoErr},
 
-        {"null work space", true, false, false, true, size, whole, whole, 1, 1, 0, 2, ippStsNullPtrErr},
-        {"null source before sizes", true, true, false, false, {0, 8}, whole, whole, 1, 1, 0, 2, ippStsNullPtrErr},
-        {"null destination", true, false, true, false, size, whole, whole, 1, 1, 0, 2, ippStsNullPtrErr},
-        {"empty source", true, false, false, false, {0, 8}, whole, whole, 1, 1, 0, 2, ippStsSizeErr},
-        {"negative destination y", true, false, false, false, size, whole, {0, -1, 8, 8}, 1, 1, 0, 2, ippStsSizeErr},
-        {"empty destination before the factor", true, false, false, false, size, whole, {0, 0, 0, 8}, 0, 1, 0, 2,
-         ippStsSizeErr},
-        {"x factor 0", true, false, false, false, size, whole, whole, 0, 1, 0, 2, ippStsResizeFactorErr},
-        {"interpolation 3 before the region", true, false, false, false, size, {8, 0, 8, 8}, whole, 1, 1, 0, 3,
+        {"null work space", true, kWork, size, whole, whole, 1, 1, 0, 2, ippStsNullPtrErr},
+        {"null source before sizes", true, kSrc, {0, 8}, whole, whole, 1, 1, 0, 2, ippStsNullPtrErr},
+        {"null destination", true, kDst, size, whole, whole, 1, 1, 0, 2, ippStsNullPtrErr},
+        {"empty source", true, kNone, {0, 8}, whole, whole, 1, 1, 0, 2, ippStsSizeErr},
+        {"negative destination y", true, kNone, size, whole, {0, -1, 8, 8}, 1, 1, 0, 2, ippStsSizeErr},
+        {"empty destination before the factor", true, kNone, size, whole, {0, 0, 0, 8}, 0, 1, 0, 2, ippStsSizeErr},
+        {"x factor 0", true, kNone, size, whole, whole, 0, 1, 0, 2, ippStsResizeFactorErr},
+        {"interpolation 3 before the region", true, kNone, size, {8, 0, 8, 8}, whole, 1, 1, 0, 3,
          ippStsInterpolationErr},
-        {"further cubic kernels are not built", true, false, false, false, size, whole, whole, 1, 1, 0, 6,
-         ippStsInterpolationErr},
-        {"region at the width", true, false, false, false, size, {8, 0, 1, 1}, whole, 1, 1, 0, 2,
-         ippStsWrongIntersectROI},
-        {"shifted wholly right of the destination", true, false, false, false, size, whole, whole, 1, 1, 8.5, 2,
-         ippStsNoOperation},
-        {"shifted wholly left", true, false, false, false, size, whole, whole, 0.5, 1, -4.6, 4, ippStsNoOperation},
-        {"shift not a number", true, false, false, false, size, whole, whole, 1, 1, nan, 2, ippStsNoOperation},
-        {"a sliver of the picture is written", true, false, false, false, size, whole, whole, 1, 1, 7.4, 2,
-         ippStsNoErr},
+        {"further cubic kernels are not built", true, kNone, size, whole, whole, 1, 1, 0, 6, ippStsInterpolationErr},
+        {"region at the width", true, kNone, size, {8, 0, 1, 1}, whole, 1, 1, 0, 2, ippStsWrongIntersectROI},
+        {"shifted wholly right of the destination", true, kNone, size, whole, whole, 1, 1, 8.5, 2, ippStsNoOperation},
+        {"shifted wholly left", true, kNone, size, whole, whole, 0.5, 1, -4.6, 4, ippStsNoOperation},
+        {"shift not a number", true, kNone, size, whole, whole, 1, 1, nan, 2, ippStsNoOperation},
+        {"a sliver of the picture is written", true, kNone, size, whole, whole, 1, 1, 7.4, 2, ippStsNoErr},
     };
     std::mt19937 rng(1);
     std::vector<uint8_t> work(100000);
@@ -88,9 +79,9 @@ TEST(Resize, RefusesBadArgumentsInOrderWithoutWriting)
             const std::vector<uint8_t> before = dst.Bytes();
             const Call call = {c.srcSize, src.step, c.roi, dst.step, c.dstRoi, c.xFactor, c.yFactor, c.xShift, 0.0,
                                c.interpolation};
-            EXPECT_EQ(RunMember(m, call, c.nullSrc ? nullptr : src.Origin(), c.nullDst ? nullptr : dst.Origin(),
-                          c.nullBuffer ? nullptr : work.data()),
-                      c.status);
+            const uint8_t* pSrc = c.null == kSrc ? nullptr : src.Origin();
+            uint8_t* pDst = c.null == kDst ? nullptr : dst.Origin();
+            EXPECT_EQ(RunMember(m, call, pSrc, pDst, c.null == kWork ? nullptr : work.data()), c.status);
             EXPECT_EQ(dst.Bytes() == before, c.status != ippStsNoErr);
         }
 }
