@@ -54,10 +54,11 @@ TEST(PresetModule, SaverComesFromTheLibraryAndAnswersThroughItsSlots)
     EXPECT_EQ(CallSlot<uint32_t>(saver, kReleaseSlot), 3u);
     EXPECT_EQ(CallSlot<uint32_t>(saver, kReleaseSlot), 2u);
     EXPECT_EQ(CallSlot<uint32_t>(saver, kReleaseSlot), 1u);
-    void* refused = saver;
-    EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterfaceSlot, &IID_EffectLibrary, &refused),
-              static_cast<int32_t>(0x80004002u));
-    EXPECT_EQ(refused, nullptr);
+    for (const _GUID* other : {&IID_EffectLibrary, &IID_VideoEffect, &IID_FrameProcessor, &IID_IMultiLingual}) {
+        void* refused = saver;
+        EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterfaceSlot, other, &refused), static_cast<int32_t>(0x80004002u));
+        EXPECT_EQ(refused, nullptr);
+    }
     EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterfaceSlot, &IID_PresetSaver, static_cast<void**>(nullptr)),
               static_cast<int32_t>(0x80004005u));
 
