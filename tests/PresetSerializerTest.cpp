@@ -221,8 +221,8 @@ TEST_F(PresetSerializerTest, RoundTripsRandomRecords)
         std::memcpy(&value, &bits, sizeof value);
         return value;
     };
-    const float special[] = {0.7f,  0.2f,        1.0f / 3, 1e-7f, -1e-7f,   FLT_MAX,  -FLT_MAX,
-                             FLT_MIN, 16777217.0f, -0.0f,   NAN,   INFINITY, -INFINITY};
+    const float special[] = {0.7f, 0.2f, 1.0f / 3, 1e-7f, -1e-7f, FLT_MAX, -FLT_MAX,
+                             FLT_MIN, 16777217.0f, -0.0f, NAN, INFINITY, -INFINITY};
     const size_t kSpecial = sizeof special / sizeof special[0];
     for (int round = 0; round < 200; ++round) {
         SCOPED_TRACE(round);
