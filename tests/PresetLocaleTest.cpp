@@ -32,7 +32,8 @@ void RoundTripInThisLocale(const TempDirectory& files)
 {
     const std::string before = Printed(0.5);
     CPresetSerializer serializer;
-    CEffectPreset preset = Record("Komma", kLibraryName, kEffectName, {Float(0.25f), Point(-1.5f, 2.75f), Integer(-42)});
+    CEffectPreset preset =
+        Record("Komma", kLibraryName, kEffectName, {Float(0.25f), Point(-1.5f, 2.75f), Integer(-42)});
     const std::string path = files.Path("locale.fxpunka");
     ASSERT_TRUE(serializer.Save(path.c_str(), &preset));
     const std::string text = ReadFile(path);
@@ -45,24 +46,14 @@ void RoundTripInThisLocale(const TempDirectory& files)
 
     // A file written elsewhere with a point reads the same.
     loaded = Untouched();
-    const std::string foreign = files.Write("foreign.fxpunka", "<Preset><parameter type=\"2\" value=\"0.25\"/></Preset>");
+    const std::string foreign = files.Write("foreign.fxpunka", PresetWith("<parameter type=\"2\" value=\"0.25\"/>"));
     ASSERT_TRUE(serializer.Load(foreign.c_str(), &loaded));
     EXPECT_EQ(loaded.Params[0].value.fValue, 0.25f);
     EXPECT_EQ(Printed(0.5), before) << "the thread's locale is given back";
 }
 
-TEST(PresetLocale, RoundTripsUnderAGermanProcessLocale)
-{
-    TempDirectory files;
-    ASSERT_TRUE(files.Made());
-    if (setlocale(LC_ALL, kGermanLocale) == nullptr)
-        GTEST_SKIP() << kGermanLocale << " is not installed (./setup.sh installs it)";
-    ASSERT_EQ(Printed(0.5), "0,50") << "the locale really writes a comma";
-    RoundTripInThisLocale(files);
-    setlocale(LC_ALL, "C");
-}
-
-TEST(PresetLocale, RoundTripsOnAThreadWithItsOwnLocaleAndLeavesOthersAlone)
+// On a thread with its own German locale, leaving the others alone; then with German as the process's.
+TEST(PresetLocale, RoundTripsUnderAGermanThreadOrProcessLocale)
 {
     TempDirectory files;
     ASSERT_TRUE(files.Made());
@@ -71,13 +62,18 @@ TEST(PresetLocale, RoundTripsOnAThreadWithItsOwnLocaleAndLeavesOthersAlone)
         GTEST_SKIP() << kGermanLocale << " is not installed (./setup.sh installs it)";
     std::thread worker([&] {
         uselocale(german);
-        ASSERT_EQ(Printed(0.5), "0,50");
+        ASSERT_EQ(Printed(0.5), "0,50") << "the locale really writes a comma";
         RoundTripInThisLocale(files);
         uselocale(LC_GLOBAL_LOCALE);
     });
     worker.join();
     freelocale(german);
     EXPECT_EQ(Printed(0.5), "0.50");
+
+    ASSERT_NE(setlocale(LC_ALL, kGermanLocale), nullptr);
+    ASSERT_EQ(Printed(0.5), "0,50");
+    RoundTripInThisLocale(files);
+    setlocale(LC_ALL, "C");
 }
 
 } // namespace

@@ -54,10 +54,11 @@ TEST(PresetModule, SaverComesFromTheLibraryAndAnswersThroughItsSlots)
     EXPECT_EQ(CallSlot<uint32_t>(saver, kReleaseSlot), 3u);
     EXPECT_EQ(CallSlot<uint32_t>(saver, kReleaseSlot), 2u);
     EXPECT_EQ(CallSlot<uint32_t>(saver, kReleaseSlot), 1u);
-    void* refused = saver;
-    EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterfaceSlot, &IID_EffectLibrary, &refused),
-              static_cast<int32_t>(0x80004002u));
-    EXPECT_EQ(refused, nullptr);
+    for (const _GUID* other : {&IID_EffectLibrary, &IID_VideoEffect, &IID_FrameProcessor, &IID_IMultiLingual}) {
+        void* refused = saver;
+        EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterfaceSlot, other, &refused), static_cast<int32_t>(0x80004002u));
+        EXPECT_EQ(refused, nullptr);
+    }
     EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterfaceSlot, &IID_PresetSaver, static_cast<void**>(nullptr)),
               static_cast<int32_t>(0x80004005u));
 
@@ -67,15 +68,13 @@ TEST(PresetModule, SaverComesFromTheLibraryAndAnswersThroughItsSlots)
     CEffectPreset preset;
     std::memset(&preset, 0x3C, sizeof preset);
     CEffectPreset before = preset;
-    EXPECT_EQ((CallSlot<int, OpaqueWindowPtr*, IEffectLibrary*, unsigned int, CEffectPreset*, char*>(
-                  saver, kSaveSlot, nullptr, library, 0u, nullptr, nullptr)),
-              1);
-    EXPECT_EQ((CallSlot<int, OpaqueWindowPtr*, IEffectLibrary*, unsigned int, CEffectPreset*, char*>(
-                  saver, kSaveSlot, nullptr, library, 0u, &preset, nullptr)),
-              1);
-    EXPECT_EQ((CallSlot<int, OpaqueWindowPtr*, IEffectLibrary*, unsigned int, CEffectPreset*, char*>(
-                  saver, kLoadSlot, nullptr, library, 0u, &preset, nullptr)),
-              1);
+    auto call = [&](int slot, CEffectPreset* record) {
+        return CallSlot<int, OpaqueWindowPtr*, IEffectLibrary*, unsigned int, CEffectPreset*, char*>(
+            saver, slot, nullptr, library, 0u, record, nullptr);
+    };
+    EXPECT_EQ(call(kSaveSlot, nullptr), 1);
+    EXPECT_EQ(call(kSaveSlot, &preset), 1);
+    EXPECT_EQ(call(kLoadSlot, &preset), 1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(std::memcmp(&preset, &before, sizeof preset), 0);
 

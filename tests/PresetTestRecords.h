@@ -1,5 +1,8 @@
 #pragma once
+#include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <string>
@@ -18,33 +21,27 @@ inline EffectParam Typed(uint32_t type)
     return parameter;
 }
 
-inline EffectParam Float(float value)
-{
-    EffectParam parameter = Typed(eptFloat);
-    parameter.value.fValue = value;
-    return parameter;
-}
-
-inline EffectParam Integer(int32_t value, uint32_t type = eptInteger)
+// A parameter of `type` whose value `set` writes.
+template <typename Set>
+EffectParam Typed(uint32_t type, Set set)
 {
     EffectParam parameter = Typed(type);
-    parameter.value.nValue = value;
+    set(parameter.value);
     return parameter;
 }
 
-inline EffectParam Bool(uint8_t byte)
+inline EffectParam Float(float f) { return Typed(eptFloat, [f](auto& value) { value.fValue = f; }); }
+inline EffectParam Bool(uint8_t byte) { return Typed(eptBool, [byte](auto& value) { value.bytes[0] = byte; }); }
+inline EffectParam Integer(int32_t n, uint32_t type = eptInteger)
 {
-    EffectParam parameter = Typed(eptBool);
-    parameter.value.bytes[0] = byte;
-    return parameter;
+    return Typed(type, [n](auto& value) { value.nValue = n; });
 }
-
 inline EffectParam Point(float x, float y)
 {
-    EffectParam parameter = Typed(eptPoint);
-    parameter.value.ptValue.x = x;
-    parameter.value.ptValue.y = y;
-    return parameter;
+    return Typed(eptPoint, [x, y](auto& value) {
+        value.ptValue.x = x;
+        value.ptValue.y = y;
+    });
 }
 
 inline CEffectPreset Record(const std::string& name, const std::string& library, const std::string& effect,
@@ -68,12 +65,8 @@ inline CEffectPreset Untouched()
     return preset;
 }
 
-inline bool SameBytes(const CEffectPreset& a, const CEffectPreset& b)
-{
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
-inline bool SameBytes(const EffectParam& a, const EffectParam& b)
+template <typename T>
+bool SameBytes(const T& a, const T& b)
 {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
@@ -83,6 +76,21 @@ inline uint32_t Bits(float value)
     uint32_t bits;
     std::memcpy(&bits, &value, sizeof bits);
     return bits;
+}
+
+// The value a float has after a file: its "%f" text read back and narrowed; what doesn't print
+// as a number reads as 0.
+inline float ThroughText(float value)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%f", static_cast<double>(value));
+    return std::isfinite(value) ? static_cast<float>(std::strtod(text, nullptr)) : 0.0f;
+}
+
+// A "Preset" root with the given children.
+inline std::string PresetWith(const std::string& parameters)
+{
+    return "<Preset Name=\"n\" LibraryName=\"l\" EffectName=\"e\">" + parameters + "</Preset>";
 }
 
 const char kLibraryName[] = "Tessarel Deglarer Pro";

@@ -21,16 +21,7 @@ struct TestFrame {
     {
         frame.Init(bytes.data(), width, height, span, depth, format, false);
     }
-    void FillRandom(std::mt19937& rng, bool floats)
-    {
-        for (size_t i = 0; i < bytes.size(); i += floats ? 4 : 1) {
-            const float sample = static_cast<float>(rng() % 256) / 255.0f;
-            if (floats)
-                std::memcpy(&bytes[i], &sample, sizeof sample);
-            else
-                bytes[i] = static_cast<uint8_t>(rng());
-        }
-    }
+    void FillRandom(std::mt19937& rng, bool floats) { ::FillRandom(bytes.data(), bytes.size(), !floats, rng); }
     uint8_t* Pixel(int x, int y)
     {
         return bytes.data() + static_cast<size_t>(y) * span + static_cast<size_t>(x) * frame.m_nDepth;
@@ -71,9 +62,9 @@ std::vector<uint8_t> Direct(TestFrame& src, tagRECT srcRect, TestFrame& dst, tag
     std::vector<uint8_t> work(bytes);
     uint8_t* dstStart = out.data() + static_cast<size_t>(dstRect.top) * dst.span +
                         static_cast<size_t>(dstRect.left) * format.depth;
-    EXPECT_EQ(ResizeAreasAt(!format.floats, format.channels, src.Pixel(srcRect.left, srcRect.top), srcSize, src.span,
-                            srcRoi, dstStart, dst.span, dstRoi, xFactor, yFactor,
-                            xShift, yShift, interpolation, work.data()),
+    const Call call = {srcSize, src.span, srcRoi, dst.span, dstRoi, xFactor, yFactor, xShift, yShift, interpolation};
+    EXPECT_EQ(RunMember({true, !format.floats, format.channels}, call, src.Pixel(srcRect.left, srcRect.top), dstStart,
+                  work.data()),
               ippStsNoErr);
     return out;
 }

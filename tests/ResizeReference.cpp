@@ -76,24 +76,16 @@ Point Lanczos(int64_t i, double t, int64_t samples)
     return point;
 }
 
-int ReducedForCorners(int interpolation, IppiSize size)
+// The mode used for a small source picture: Lanczos needs 8 samples each way (pixel-area: 6),
+// cubic 4, and corner-to-corner anything but nearest neighbour 2.
+int Reduced(int interpolation, IppiSize size, bool areas)
 {
     const int smaller = std::min(size.width, size.height);
-    if (interpolation == IPPI_INTER_LANCZOS && smaller < 8)
+    if (interpolation == IPPI_INTER_LANCZOS && smaller < (areas ? 6 : 8))
         interpolation = IPPI_INTER_CUBIC;
     if (interpolation == IPPI_INTER_CUBIC && smaller < 4)
         interpolation = IPPI_INTER_LINEAR;
-    return smaller < 2 ? IPPI_INTER_NN : interpolation;
-}
-
-int ReducedForAreas(int interpolation, IppiSize size)
-{
-    const int smaller = std::min(size.width, size.height);
-    if (interpolation == IPPI_INTER_LANCZOS && smaller < 6)
-        interpolation = IPPI_INTER_CUBIC;
-    if (interpolation == IPPI_INTER_CUBIC && smaller < 4)
-        interpolation = IPPI_INTER_LINEAR;
-    return interpolation;
+    return !areas && smaller < 2 ? IPPI_INTER_NN : interpolation;
 }
 
 std::vector<Point> CornerAxis(int interpolation, double factor, int length, int offset, int samples, int count)
@@ -286,7 +278,7 @@ Expected Corners(const Source& src, IppiRect srcRoi, IppiSize dstRoiSize, double
                  int interpolation)
 {
     Expected out;
-    out.interpolation = ReducedForCorners(interpolation, src.size);
+    out.interpolation = Reduced(interpolation, src.size, false);
     const int w = std::min(srcRoi.width, src.size.width - srcRoi.x);
     const int h = std::min(srcRoi.height, src.size.height - srcRoi.y);
     const int columns = OutputLength(w, xFactor, dstRoiSize.width);
@@ -302,7 +294,7 @@ Expected Areas(const Source& src, IppiRect srcRoi, IppiRect dstRoi, double xFact
                double yShift, int interpolation)
 {
     Expected out;
-    out.interpolation = ReducedForAreas(interpolation, src.size);
+    out.interpolation = Reduced(interpolation, src.size, true);
     const int w = std::min(srcRoi.width, src.size.width - srcRoi.x);
     const int h = std::min(srcRoi.height, src.size.height - srcRoi.y);
     int columns = 0, rows = 0;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <ostream>
 
 #include "../primitives/ippResize.h"
+#include "../primitives/ippResizeVariants.h"
 
 TestPicture::TestPicture(IppiSize pictureSize, int pictureChannels, bool byteSamples, int padBytes)
     : size(pictureSize), channels(pictureChannels), bytes(byteSamples),
@@ -50,13 +52,29 @@ void TestPicture::Set(int x, int y, int c, double value)
     std::memcpy(m_pOrigin + Offset(x, y, c), &sample, sizeof sample);
 }
 
-void TestPicture::FillRandom(std::mt19937& rng)
+void TestPicture::Fill(const std::function<double(int x, int y, int c)>& value)
 {
-    std::uniform_int_distribution<int> byte(0, 255);
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x)
             for (int c = 0; c < channels; ++c)
-                Set(x, y, c, bytes ? byte(rng) : byte(rng) / 255.0);
+                Set(x, y, c, value(x, y, c));
+}
+
+void TestPicture::FillRandom(std::mt19937& rng)
+{
+    std::uniform_int_distribution<int> byte(0, 255);
+    Fill([&](int, int, int) { return bytes ? byte(rng) : byte(rng) / 255.0; });
+}
+
+void FillRandom(uint8_t* block, size_t length, bool bytes, std::mt19937& rng)
+{
+    for (size_t i = 0; i + (bytes ? 1 : 4) <= length; i += bytes ? 1 : 4) {
+        const float sample = static_cast<float>(rng() % 1000) / 999.0f;
+        if (bytes)
+            block[i] = static_cast<uint8_t>(rng());
+        else
+            std::memcpy(block + i, &sample, sizeof sample);
+    }
 }
 
 ResizeReference::Source TestPicture::AsSource() const
@@ -64,50 +82,67 @@ ResizeReference::Source TestPicture::AsSource() const
     return {[this](int x, int y, int c) { return Get(x, y, c); }, size, channels, bytes};
 }
 
-IppStatus ResizeCornersAt(bool bytes, const uint8_t* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi,
-                          uint8_t* pDst, int dstStep, IppiSize dstRoiSize, double xFactor, double yFactor,
-                          int interpolation)
+std::ostream& operator<<(std::ostream& out, const Member& member)
 {
-    if (bytes)
-        return ippiResize_8u_C4R(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoiSize, xFactor, yFactor,
-                                 interpolation);
-    return ippiResize_32f_C4R(reinterpret_cast<const Ipp32f*>(pSrc), srcSize, srcStep, srcRoi,
-                              reinterpret_cast<Ipp32f*>(pDst), dstStep, dstRoiSize, xFactor, yFactor, interpolation);
+    return out << (member.areas ? "pixel-area " : "corners ") << (member.bytes ? "8u C" : "32f C") << member.channels;
 }
 
-IppStatus ResizeAreasAt(bool bytes, int channels, const uint8_t* pSrc, IppiSize srcSize, int srcStep,
-                        IppiRect srcRoi, uint8_t* pDst, int dstStep, IppiRect dstRoi, double xFactor, double yFactor,
-                        double xShift, double yShift, int interpolation, uint8_t* pBuffer)
+namespace {
+
+// The six members of one variant, in the order of kMembers.
+struct Entries {
+    decltype(&ippiResize_8u_C4R) corners8u;
+    decltype(&ippiResize_32f_C4R) corners32f;
+    decltype(&ippiResizeSqrPixel_8u_C1R) areas8u[2];
+    decltype(&ippiResizeSqrPixel_32f_C1R) areas32f[2];
+};
+const Entries kVariants[] = {
+    {ippiResize_8u_C4R, ippiResize_32f_C4R, {ippiResizeSqrPixel_8u_C1R, ippiResizeSqrPixel_8u_C4R},
+     {ippiResizeSqrPixel_32f_C1R, ippiResizeSqrPixel_32f_C4R}},
+    {mx_ippiResize_8u_C4R, mx_ippiResize_32f_C4R, {mx_ippiResizeSqrPixel_8u_C1R, mx_ippiResizeSqrPixel_8u_C4R},
+     {mx_ippiResizeSqrPixel_32f_C1R, mx_ippiResizeSqrPixel_32f_C4R}},
+    {y8_ippiResize_8u_C4R, y8_ippiResize_32f_C4R, {y8_ippiResizeSqrPixel_8u_C1R, y8_ippiResizeSqrPixel_8u_C4R},
+     {y8_ippiResizeSqrPixel_32f_C1R, y8_ippiResizeSqrPixel_32f_C4R}},
+};
+
+} // namespace
+
+IppStatus RunMember(const Member& m, const Call& c, const uint8_t* src, uint8_t* dst, uint8_t* work, Variant variant)
 {
-    const auto* fSrc = reinterpret_cast<const Ipp32f*>(pSrc);
-    auto* fDst = reinterpret_cast<Ipp32f*>(pDst);
-    if (bytes && channels == 1)
-        return ippiResizeSqrPixel_8u_C1R(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor,
-                                         xShift, yShift, interpolation, pBuffer);
-    if (bytes)
-        return ippiResizeSqrPixel_8u_C4R(pSrc, srcSize, srcStep, srcRoi, pDst, dstStep, dstRoi, xFactor, yFactor,
-                                         xShift, yShift, interpolation, pBuffer);
-    if (channels == 1)
-        return ippiResizeSqrPixel_32f_C1R(fSrc, srcSize, srcStep, srcRoi, fDst, dstStep, dstRoi, xFactor, yFactor,
-                                          xShift, yShift, interpolation, pBuffer);
-    return ippiResizeSqrPixel_32f_C4R(fSrc, srcSize, srcStep, srcRoi, fDst, dstStep, dstRoi, xFactor, yFactor,
-                                      xShift, yShift, interpolation, pBuffer);
+    const Entries& entries = kVariants[static_cast<int>(variant)];
+    const auto* fSrc = reinterpret_cast<const Ipp32f*>(src);
+    auto* fDst = reinterpret_cast<Ipp32f*>(dst);
+    const IppiSize dstSize = {c.dstRoi.width, c.dstRoi.height};
+    if (!m.areas && m.bytes)
+        return entries.corners8u(src, c.srcSize, c.srcStep, c.srcRoi, dst, c.dstStep, dstSize, c.xFactor, c.yFactor,
+                                 c.interpolation);
+    if (!m.areas)
+        return entries.corners32f(fSrc, c.srcSize, c.srcStep, c.srcRoi, fDst, c.dstStep, dstSize, c.xFactor,
+                                  c.yFactor, c.interpolation);
+    if (m.bytes)
+        return entries.areas8u[m.channels == 4](src, c.srcSize, c.srcStep, c.srcRoi, dst, c.dstStep, c.dstRoi,
+                                                c.xFactor, c.yFactor, c.xShift, c.yShift, c.interpolation, work);
+    return entries.areas32f[m.channels == 4](fSrc, c.srcSize, c.srcStep, c.srcRoi, fDst, c.dstStep, c.dstRoi,
+                                             c.xFactor, c.yFactor, c.xShift, c.yShift, c.interpolation, work);
 }
 
-IppStatus ResizeCorners(const TestPicture& src, IppiRect srcRoi, TestPicture& dst, IppiSize dstRoiSize,
-                        double xFactor, double yFactor, int interpolation)
+IppStatus Resize(const TestPicture& src, IppiRect srcRoi, TestPicture& dst, IppiRect dstRoi, double xFactor,
+                 double yFactor, double xShift, double yShift, int interpolation, bool areas)
 {
-    return ResizeCornersAt(src.bytes, src.Origin(), src.size, src.step, srcRoi, dst.Origin(), dst.step, dstRoiSize,
-                           xFactor, yFactor, interpolation);
-}
-
-IppStatus ResizeAreas(const TestPicture& src, IppiRect srcRoi, TestPicture& dst, IppiRect dstRoi, double xFactor,
-                      double yFactor, double xShift, double yShift, int interpolation)
-{
-    int bufferBytes = 0;
-    if (ippiResizeGetBufSize(srcRoi, dstRoi, src.channels, interpolation, &bufferBytes) != ippStsNoErr)
+    int bufferBytes = 1;
+    if (areas && ippiResizeGetBufSize(srcRoi, dstRoi, src.channels, interpolation, &bufferBytes) != ippStsNoErr)
         bufferBytes = 1;   // the member answers for the arguments itself
     std::vector<uint8_t> buffer(bufferBytes);
-    return ResizeAreasAt(src.bytes, src.channels, src.Origin(), src.size, src.step, srcRoi, dst.Origin(), dst.step,
-                         dstRoi, xFactor, yFactor, xShift, yShift, interpolation, buffer.data());
+    const Call call = {src.size, src.step, srcRoi, dst.step, dstRoi, xFactor, yFactor, xShift, yShift, interpolation};
+    return RunMember({areas, src.bytes, src.channels}, call, src.Origin(), dst.Origin(), buffer.data());
+}
+
+ResizeReference::Expected Reference(const TestPicture& src, IppiRect srcRoi, IppiRect dstRoi, double xFactor,
+                                    double yFactor, double xShift, double yShift, int interpolation, bool areas)
+{
+    if (areas)
+        return ResizeReference::Areas(src.AsSource(), srcRoi, dstRoi, xFactor, yFactor, xShift, yShift,
+                                      interpolation);
+    return ResizeReference::Corners(src.AsSource(), srcRoi, {dstRoi.width, dstRoi.height}, xFactor, yFactor,
+                                    interpolation);
 }

@@ -1,9 +1,11 @@
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <random>
 #include <vector>
 
+#include "../primitives/ippResize.h"
 #include "../primitives/ippdefs.h"
 #include "GuardedBlock.h"
 #include "ResizeReference.h"
@@ -19,12 +21,13 @@ struct TestPicture {
 
     double Get(int x, int y, int c) const;
     void Set(int x, int y, int c, double value);
+    void Fill(const std::function<double(int x, int y, int c)>& value);
     void FillRandom(std::mt19937& rng);
     ResizeReference::Source AsSource() const;
     uint8_t* Origin() { return m_pOrigin; }
     const uint8_t* Origin() const { return m_pOrigin; }
     std::vector<uint8_t> Bytes() const;
-    size_t Offset(int x, int y, int c) const;
+    IppiRect Whole() const { return {0, 0, size.width, size.height}; }
 
     IppiSize size;
     int channels;
@@ -32,22 +35,52 @@ struct TestPicture {
     int step;
 
 private:
+    size_t Offset(int x, int y, int c) const;
+
     std::vector<uint8_t> m_memory;
     std::unique_ptr<GuardedBlock> m_pGuarded;
     uint8_t* m_pOrigin;
 };
 
-// The member of the picture's sample type and channels, with pictures in place of pointers; the
-// pixel-area members get work space of the size that ippiResizeGetBufSize gives.
-IppStatus ResizeCorners(const TestPicture& src, IppiRect srcRoi, TestPicture& dst, IppiSize dstRoiSize,
-                        double xFactor, double yFactor, int interpolation);
-IppStatus ResizeAreas(const TestPicture& src, IppiRect srcRoi, TestPicture& dst, IppiRect dstRoi, double xFactor,
-                      double yFactor, double xShift, double yShift, int interpolation);
+// Random samples over a whole block, padding included: bytes, or floats of 0 to 1.
+void FillRandom(uint8_t* block, size_t length, bool bytes, std::mt19937& rng);
 
-// The same with raw pointers, for pictures that live elsewhere.
-IppStatus ResizeCornersAt(bool bytes, const uint8_t* pSrc, IppiSize srcSize, int srcStep, IppiRect srcRoi,
-                          uint8_t* pDst, int dstStep, IppiSize dstRoiSize, double xFactor, double yFactor,
-                          int interpolation);
-IppStatus ResizeAreasAt(bool bytes, int channels, const uint8_t* pSrc, IppiSize srcSize, int srcStep,
-                        IppiRect srcRoi, uint8_t* pDst, int dstStep, IppiRect dstRoi, double xFactor, double yFactor,
-                        double xShift, double yShift, int interpolation, uint8_t* pBuffer);
+const int kModes[] = {IPPI_INTER_NN, IPPI_INTER_LINEAR, IPPI_INTER_CUBIC, IPPI_INTER_LANCZOS};
+
+// The six resize members: corner-to-corner (ippiResize_*) or pixel-area (ippiResizeSqrPixel_*),
+// by sample type and channels.
+struct Member {
+    bool areas;
+    bool bytes;
+    int channels;
+};
+const Member kMembers[] = {{false, true, 4}, {false, false, 4}, {true, true, 1},
+                           {true, true, 4},  {true, false, 1},  {true, false, 4}};
+std::ostream& operator<<(std::ostream& out, const Member& member);
+
+// One call of a member. Corner-to-corner members take the destination region's size and no
+// shifts.
+struct Call {
+    IppiSize srcSize;
+    int srcStep;
+    IppiRect srcRoi;
+    int dstStep;
+    IppiRect dstRoi;
+    double xFactor, yFactor, xShift, yShift;
+    int interpolation;
+};
+
+// A variant of the members: the exported entries, or the plain or SSE4.1 one behind them.
+enum class Variant { Exported, Plain, Sse41 };
+
+IppStatus RunMember(const Member& member, const Call& call, const uint8_t* src, uint8_t* dst, uint8_t* work,
+              Variant variant = Variant::Exported);
+
+// The member of the pictures' form on whole pictures; pixel-area members get the work space that
+// ippiResizeGetBufSize gives.
+IppStatus Resize(const TestPicture& src, IppiRect srcRoi, TestPicture& dst, IppiRect dstRoi, double xFactor,
+                 double yFactor, double xShift, double yShift, int interpolation, bool areas);
+
+// What the reference evaluation expects of the same call.
+ResizeReference::Expected Reference(const TestPicture& src, IppiRect srcRoi, IppiRect dstRoi, double xFactor,
+                                    double yFactor, double xShift, double yShift, int interpolation, bool areas);
