@@ -50,6 +50,12 @@ void InProcessHost::SetTestMode(bool on)
     m_params[2].dwType = eptBool;
 }
 
+void InProcessHost::SetParam(unsigned int index, const EffectParam& value)
+{
+    if (index < kParamCount)
+        m_params[index] = value;
+}
+
 bool InProcessHost::ApplyPreset(IVideoEffect* effect, unsigned int preset)
 {
     for (unsigned int param = 0; param < kParamCount; ++param) {
@@ -99,6 +105,12 @@ std::vector<int> InProcessHost::FetchedIndices() const
     return m_fetched;
 }
 
+std::vector<InProcessHost::FrameRequest> InProcessHost::FrameRequests() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_requests;
+}
+
 size_t InProcessHost::FetchCount() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
@@ -127,6 +139,7 @@ void InProcessHost::ClearRecord()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     m_fetched.clear();
+    m_requests.clear();
     m_released = 0;
     m_paramReads = 0;
     m_allocations = 0;
@@ -206,6 +219,7 @@ void* InProcessHost::GetFrameAt(RenderInfo* request, FrameParams* frame)
 
     std::lock_guard<std::mutex> lock(m_mutex);
     m_fetched.push_back(index);
+    m_requests.push_back(FrameRequest{*request, *frame});
     if (!m_options.timeAccess || index < 0 || index >= m_clip.FrameCount() || m_undeliverable.count(index) != 0)
         return nullptr;
     if (frame->pBuffer != nullptr)
