@@ -2,9 +2,13 @@
 #include <atomic>
 #include <cstdint>
 #include <map>
+#include <mutex>
 #include <shared_mutex>
 
+#include <boost/shared_ptr.hpp>
+
 #include "../include/VideoEffect.h"
+#include "FrameCaches.h"
 #include "Intensities.h"
 
 class CFrame;
@@ -38,6 +42,9 @@ public:
     static const char* const s_szPresetNames[kPresetCount];
     static const uint64_t s_llPresetData[kPresetCount][kParamCount];
 
+    // The memories of the sequential path, per effect id; entries live until the module unloads.
+    static std::map<uint32_t, boost::shared_ptr<FrameCaches>> m_FrameCachesPool;
+
     // The intensities of a frame in hand, remembered under `frameIndex` for this object's id;
     // a frame already remembered isn't measured again.
     Intensities GetAverageIntensity(int frameIndex, CFrame& frame);
@@ -61,9 +68,26 @@ private:
     bool RenderUsingCache(IVideoHost* host, FrameParams* source, FrameParams* second, FrameParams* destination,
                           RenderInfo* info);
 
+    // The sequential path's memory for `field` of this object's id. The field travels with the
+    // call, so renders of one object on several threads can't change each other's choice.
+    boost::shared_ptr<FrameCache> GetCache(int32_t field);
+    boost::shared_ptr<FrameCache> GetCache() { return GetCache(m_lField.load(std::memory_order_relaxed)); }
+    void BeginUsageCache(FrameCache& cache, IVideoHost* host);
+    void EndUsageCache(FrameCache& cache);
+    void SaveLastFrameToCache(FrameCache& cache, CFrame& frame, int index, const Intensities& intensities);
+    void SaveLastGoodFrameToCache(FrameCache& cache, CFrame& frame, int index, const Intensities& intensities);
+    int GetLastFrameIndexFromCache(FrameCache& cache);
+    int GetLastGoodFrameIndexFromCache(FrameCache& cache);
+    Intensities GetLastFrameIntensitiesFromCache(FrameCache& cache);
+    Intensities GetLastGoodFrameIntensitiesFromCache(FrameCache& cache);
+    bool GetLastGoodFrameFromCache(FrameCache& cache, CFrame& frame);
+    void DropCache(FrameCache& cache);
+    bool IsCurrentPresetDiffersWithStoredInCache(FrameCache& cache, IVideoHost* host);
+    void SaveCurrentPresetInCache(FrameCache& cache, IVideoHost* host);
+
     uint32_t m_uId;
     std::atomic<int32_t> m_lRefCount;
-    int32_t m_lField;
+    std::atomic<int32_t> m_lField;   // the field of the latest sequential render
 };
 
 // The fallback of both render paths: the source copied to the destination as it is.

@@ -11,6 +11,7 @@
 #include "../Common/Frame.h"
 #include "../include/VideoHost.h"
 #include "Deglarer.h"
+#include "FramePosition.h"
 #include "EffectParameters.h"
 #include "HostFrame.h"
 #include "MarkFlashedFrame.h"
@@ -19,7 +20,6 @@ namespace {
 
 // A frame whose four bands add up to no more than this is never examined. A fixed number that
 // happens to equal the factor of the threshold formula.
-const float kDarknessLimit = 0x1.70a3d8p-4f;   // 0.09, bits 0x3DB851EC
 // All four bands level at once for this many frames ends a scan.
 const int kQuietRun = 5;
 // A raised stretch may go on for this many frames behind its start.
@@ -27,19 +27,6 @@ const int kLongestRaisedStretch = 6;
 // With figures of 0 or more a step count stays below 1 / threshold <= 100; this bound only
 // keeps negative float figures from overflowing the levels.
 const int kMostStepsAtOnce = 1000;
-
-// truncate(frames + 0.5) held to the range of a frame index; not a number gives -1.
-int FrameIndexOf(double frames)
-{
-    const double rounded = frames + 0.5;
-    if (std::isnan(rounded))
-        return -1;
-    if (rounded >= static_cast<double>(INT_MAX))
-        return INT_MAX;
-    if (rounded <= static_cast<double>(INT_MIN))
-        return INT_MIN;
-    return static_cast<int>(rounded);
-}
 
 int StepCount(float quotient)
 {
@@ -325,8 +312,7 @@ bool CDeglarer::RenderUsingTimeAccess(IVideoHost* host, FrameParams* source, Fra
         sourceFrame.Init(source);
         destinationFrame.Init(destination);
 
-        const int current = (info->dwFlags & kRenderInfoFrameIndexValid) ? info->nFrameIndex
-                                                                         : FrameIndexOf(info->dTime * info->dFrameRate);
+        const int current = CurrentFrameIndex(*info);
         const int total = FrameIndexOf(info->dClipLength * info->dFrameRate);
 
         const Intensities measured = GetAverageIntensity(current, sourceFrame);

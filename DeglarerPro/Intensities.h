@@ -20,3 +20,6 @@ struct Intensities {
     }
 };
 static_assert(sizeof(Intensities) == 16, "four 32-bit floats");
+
+// A frame whose bands add up to no more than this is dark and never judged.
+const float kDarknessLimit = 0x1.70a3d8p-4f;   // 0.09, bits 0x3DB851EC

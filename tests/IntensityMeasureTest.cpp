@@ -258,26 +258,30 @@ struct ByteFrame {
 
 TEST(IntensityMeasure, FramesGiveTheirBandFigures)
 {
+    // 400 rows, q = 100. Over a uniform picture band 0 gathers the weights q (the first quarter)
+    // and 100/100 + ... + 1/100 = (q + 1) / 2 (its slope), against the divisor 1.5 q; band 3
+    // gathers (q - 1) / 2 + q; bands 1 and 2 gather exactly their divisor 2 q. Over a first
+    // quarter only, band 0 gathers q and band 1 its rising slope 0/100 + ... + 99/100.
+    const double q = 100.0;
+    const double white = 254.0 / 255.0;
     struct Case {
         const char* what;
         int brightRows;   // of 400
         uint8_t level;
-        float expected[4];
-        float tolerance;
+        double expected[4];
     };
-    const float white = 254.0f / 255.0f;
     const Case cases[] = {
-        {"white", 400, 255, {white, white, white, white}, 3e-3f},
-        {"black", 400, 0, {0.0f, 0.0f, 0.0f, 0.0f}, 0.0f},
-        // Band 0 has weight 1 over the first quarter and sums 1.5 quarters; band 1 rises over it.
-        {"first quarter white", 100, 255, {white * 2 / 3, white / 4, 0.0f, 0.0f}, 3e-3f},
+        {"white", 400, 255,
+         {white * (1.5 * q + 0.5) / (1.5 * q), white, white, white * (1.5 * q - 0.5) / (1.5 * q)}},
+        {"black", 400, 0, {0.0, 0.0, 0.0, 0.0}},
+        {"first quarter white", 100, 255, {white * 2.0 / 3.0, white * (q - 1) / 2 / (2 * q), 0.0, 0.0}},
     };
     for (const Case& c : cases)
         for (PixelFormat format : {pfVideoSample, pfVideoSampleSwapped}) {
             ByteFrame picture(37, 400, format, c.brightRows, c.level);
             const Intensities figures = MeasureFrameIntensities(picture.frame);
             for (int band = 0; band < 4; ++band)
-                EXPECT_NEAR(figures.fBand[band], c.expected[band], c.tolerance) << c.what << " band " << band;
+                EXPECT_NEAR(figures.fBand[band], c.expected[band], 1e-6) << c.what << " band " << band;
         }
 }
 

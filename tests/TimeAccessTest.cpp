@@ -213,14 +213,18 @@ TEST(TimeAccess, MeasuredStretchCostsOnlyTheSubstituteFetches)
             first.push_back(TimeAccessOutcome::Render(host, effect, clip, index));
 
         // Every frame was fetched for measuring at most once; the rest were substitutes.
-        std::multiset<int> measuredFetches(host.FetchedIndices().begin(), host.FetchedIndices().end());
+        const std::vector<int> fetched = host.FetchedIndices();
+        std::multiset<int> measuredFetches(fetched.begin(), fetched.end());
         std::vector<int> substitutes;
         for (int index = 0; index < clip.FrameCount(); ++index)
             if (first[index].shows != index)
                 substitutes.push_back(first[index].shows);
         ASSERT_GE(substitutes.size(), 4u);
-        for (int substitute : substitutes)
-            measuredFetches.erase(measuredFetches.find(substitute));
+        for (int substitute : substitutes) {
+            const auto fetch = measuredFetches.find(substitute);
+            ASSERT_NE(fetch, measuredFetches.end()) << substitute;
+            measuredFetches.erase(fetch);
+        }
         EXPECT_EQ(std::set<int>(measuredFetches.begin(), measuredFetches.end()).size(), measuredFetches.size());
 
         host.ClearRecord();
