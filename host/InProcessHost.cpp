@@ -226,10 +226,12 @@ void* InProcessHost::GetFrameAt(RenderInfo* request, FrameParams* frame)
         return nullptr;
     if (frame->pBuffer != nullptr)
         m_faults.push_back("GetFrameAt with a non-null buffer for frame " + std::to_string(index));
-    // Each delivery is a private copy, so a write into it or a use after release shows.
-    Delivery* delivery = new Delivery{index, std::vector<uint8_t>(m_clip.Frame(index),
-                                                                   m_clip.Frame(index) + m_clip.FrameBytes())};
-    frame->pBuffer = delivery->pixels.data();
+    Delivery* delivery = new Delivery{index, {}, m_clip.Frame(index)};
+    if (m_options.copyDeliveries) {
+        delivery->pixels.assign(m_clip.Frame(index), m_clip.Frame(index) + m_clip.FrameBytes());
+        delivery->buffer = delivery->pixels.data();
+    }
+    frame->pBuffer = delivery->buffer;
     frame->nWidth = m_clip.Width();
     frame->nHeight = m_clip.Height();
     frame->nByteSpan = m_clip.ByteSpan();
@@ -250,9 +252,10 @@ void InProcessHost::ReleaseFrame(void* handle, FrameParams* frame)
         return;
     }
     Delivery* delivery = found->second;
-    if (frame == nullptr || frame->pBuffer != delivery->pixels.data())
+    if (frame == nullptr || frame->pBuffer != delivery->buffer)
         m_faults.push_back("ReleaseFrame of frame " + std::to_string(delivery->index) + " with another record");
-    else if (std::memcmp(delivery->pixels.data(), m_clip.Frame(delivery->index), m_clip.FrameBytes()) != 0)
+    else if (!delivery->pixels.empty() &&
+             std::memcmp(delivery->pixels.data(), m_clip.Frame(delivery->index), m_clip.FrameBytes()) != 0)
         m_faults.push_back("the effect wrote into delivered frame " + std::to_string(delivery->index));
     m_deliveries.erase(found);
     delete delivery;

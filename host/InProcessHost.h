@@ -23,6 +23,10 @@ public:
         bool timeAccess = true;
         bool offerAllocator = true;
         uint32_t instanceId = 1;
+        // Each delivered frame is a private copy, so that a write into it or a use after release
+        // shows; off, GetFrameAt hands out the clip's own memory, as a host with frames in memory
+        // would (benchmarks).
+        bool copyDeliveries = true;
     };
 
     explicit InProcessHost(Clip& clip);
@@ -87,7 +91,8 @@ public:
 private:
     struct Delivery {
         int index;
-        std::vector<uint8_t> pixels;
+        std::vector<uint8_t> pixels;   // empty when the clip's memory is handed out
+        uint8_t* buffer;
     };
 
     Clip& m_clip;
