@@ -2,9 +2,6 @@
 // defines the figures, on pictures chosen to break row sums, tails and band edges.
 #include <gtest/gtest.h>
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstring>
 #include <random>
 #include <string>
@@ -14,6 +11,7 @@
 #include "../DeglarerPro/IntensityMeasure.h"
 #include "../DeglarerPro/IntensityMeasureReference.h"
 #include "../DeglarerPro/LuminanceRows.h"
+#include "GuardedBlock.h"
 
 namespace {
 
@@ -183,47 +181,16 @@ TEST(IntensityMeasure, EightBitRowSumsAreExactInEveryVariant)
     EXPECT_EQ(kLuminanceRowsPlain.sum8u(&white, 1), 254u);
 }
 
-// Pages that fault when read: a picture placed so that its last byte ends right before one
-// shows an over-read of any variant as a crash here rather than in a host.
-class GuardedBuffer {
-public:
-    explicit GuardedBuffer(size_t bytes)
-    {
-        const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-        m_dataPages = (bytes + page - 1) / page * page;
-        m_length = m_dataPages + page;
-        m_base = static_cast<uint8_t*>(mmap(nullptr, m_length, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        if (m_base == MAP_FAILED)
-            m_base = nullptr;
-        else
-            mprotect(m_base + m_dataPages, page, PROT_NONE);
-        m_end = m_base == nullptr ? nullptr : m_base + m_dataPages;
-    }
-    ~GuardedBuffer()
-    {
-        if (m_base != nullptr)
-            munmap(m_base, m_length);
-    }
-    // `bytes` of memory that end right at the guard page.
-    uint8_t* Tail(size_t bytes) { return m_end - bytes; }
-    bool Ok() const { return m_base != nullptr; }
-
-private:
-    uint8_t* m_base = nullptr;
-    uint8_t* m_end = nullptr;
-    size_t m_dataPages = 0;
-    size_t m_length = 0;
-};
-
 TEST(IntensityMeasure, NoVariantReadsPastThePicture)
 {
     for (int width = 1; width <= 40; ++width)
         for (int height = 4; height <= 6; ++height) {
             const size_t byteCount = static_cast<size_t>(width) * height;
-            GuardedBuffer bytes(byteCount * 4), floats(byteCount * 16);
-            ASSERT_TRUE(bytes.Ok() && floats.Ok());
-            uint8_t* bytePixels = bytes.Tail(byteCount * 4);
-            uint8_t* floatPixels = floats.Tail(byteCount * 16);
+            // The pictures end right at a page that faults when read.
+            GuardedBlock bytes(byteCount * 4, GuardedBlock::Guard::AfterEnd);
+            GuardedBlock floats(byteCount * 16, GuardedBlock::Guard::AfterEnd);
+            uint8_t* bytePixels = bytes.Data();
+            uint8_t* floatPixels = floats.Data();
             std::memset(bytePixels, 0x80, byteCount * 4);
             std::memset(floatPixels, 0, byteCount * 16);
             for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels()) {
@@ -233,7 +200,8 @@ TEST(IntensityMeasure, NoVariantReadsPastThePicture)
                                                                   width, width, height, *kernels);
                 EXPECT_TRUE(SameFigures(plain, swapped));
                 EXPECT_GT(plain.fBand[0], 0.0f);
-                getAverageIntensity32f(reinterpret_cast<VideoSampleFloat*>(floatPixels), width, width, height, *kernels);
+                getAverageIntensity32f(reinterpret_cast<VideoSampleFloat*>(floatPixels), width, width, height,
+                                       *kernels);
                 getAverageIntensity32f(reinterpret_cast<VideoSampleSwappedFloat*>(floatPixels), width, width, height,
                                        *kernels);
             }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -12,7 +13,9 @@
 #include <thread>
 #include <vector>
 
+#include "../Common/Frame.h"
 #include "../DeglarerPro/Deglarer.h"
+#include "../DeglarerPro/IntensityMeasure.h"
 #include "../host/Clip.h"
 #include "../host/InProcessHost.h"
 #include "FreshEffectId.h"
@@ -144,7 +147,8 @@ TEST(TimeAccessConcurrency, ThreadsOnOneEffectObjectGiveTheInOrderPictures)
         CDeglarer effect;
         effect.SetId(FreshEffectId());
         std::vector<Outputs> outputs(kThreads, Outputs(clip.FrameCount()));
-        RunTogether([&](int t) { RenderInOrder(host, effect, clip, Shuffled(clip.FrameCount(), 100 + t), outputs[t]); });
+        RunTogether(
+            [&](int t) { RenderInOrder(host, effect, clip, Shuffled(clip.FrameCount(), 100 + t), outputs[t]); });
         for (int t = 0; t < kThreads; ++t)
             ExpectSameOutputs(expected, outputs[t], "thread " + std::to_string(t));
         EXPECT_EQ(host.ReleaseCount(), host.FetchCount());
@@ -174,6 +178,39 @@ TEST(TimeAccessConcurrency, ThreadsOnObjectsSharingAnIdGiveTheInOrderPictures)
         EXPECT_EQ(host.ReleaseCount(), host.FetchCount());
         EXPECT_EQ(host.Leaks(), "");
     }
+}
+
+TEST(TimeAccessConcurrency, ObjectsSharingAnIdAgreeOnTheFirstStoredRecord)
+{
+    // Each thread measures a picture of its own grey under one index: whichever is stored first,
+    // every thread gets that record back, and later readers do too.
+    Clip clip(16, 16, pfVideoSample, kThreads, 25.0);
+    for (int t = 0; t < kThreads; ++t)
+        clip.Fill(t, 0.1f * (t + 1), 0.1f * (t + 1), 0.1f * (t + 1));
+    const unsigned int id = FreshEffectId();
+    std::vector<Intensities> seen(kThreads);
+    RunTogether([&](int t) {
+        CDeglarer effect;
+        effect.SetId(id);
+        FrameParams params = clip.Params(t);
+        CFrame frame;
+        frame.Init(&params);
+        seen[t] = effect.GetAverageIntensity(5, frame);
+    });
+    CDeglarer later;
+    later.SetId(id);
+    CFrame empty;
+    const Intensities stored = later.GetAverageIntensity(5, empty);
+    bool fromOnePicture = false;
+    for (int t = 0; t < kThreads; ++t) {
+        EXPECT_EQ(std::memcmp(&seen[t], &stored, sizeof stored), 0) << "thread " << t;
+        FrameParams params = clip.Params(t);
+        CFrame frame;
+        frame.Init(&params);
+        const Intensities own = MeasureFrameIntensities(frame);
+        fromOnePicture = fromOnePicture || std::memcmp(&own, &stored, sizeof stored) == 0;
+    }
+    EXPECT_TRUE(fromOnePicture);
 }
 
 } // namespace

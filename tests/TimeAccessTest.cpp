@@ -170,7 +170,8 @@ TEST(TimeAccess, UndeliverableSubstituteLeavesTheSourceUnmarked)
         host.SetTestMode(test);
         CDeglarer effect;
         effect.SetId(FreshEffectId());
-        EXPECT_EQ(TimeAccessOutcome::Render(host, effect, clip, 6), (test ? Outcome{6, Mark::kRed} : Outcome{5, Mark::kNone}));
+        EXPECT_EQ(TimeAccessOutcome::Render(host, effect, clip, 6),
+                  (test ? Outcome{6, Mark::kRed} : Outcome{5, Mark::kNone}));
         // Now measured; the substitute itself can't be had any more.
         host.SetUndeliverable(5);
         host.ClearRecord();
