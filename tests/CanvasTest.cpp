@@ -7,26 +7,17 @@
 #include "../Common/Canvas.h"
 #include "../Common/Frame.h"
 #include "../DeglarerPro/MarkFlashedFrame.h"
+#include "../host/Clip.h"
 
 namespace {
 
 const uint8_t kPadding = 0xEE;
 const unsigned int kWhite = 0xFFFFFFFFu;
 
-int DepthOf(PixelFormat format)
-{
-    switch (format) {
-    case pfVideoSampleFloat:
-    case pfVideoSampleSwappedFloat: return 16;
-    case pfMono8: return 1;
-    default: return 4;
-    }
-}
-
 // A picture with padded rows over its own memory, every channel at `grey`, alpha at `alpha`.
 struct Canvas {
     Canvas(int width, int height, PixelFormat format, uint8_t grey = 100, uint8_t alpha = 77)
-        : depth(DepthOf(format)), span(width * DepthOf(format) + 12),
+        : depth(TestHost::BytesPerPixel(format)), span(width * TestHost::BytesPerPixel(format) + 12),
           bytes(static_cast<size_t>(span) * height, kPadding)
     {
         for (int y = 0; y < height; ++y)

@@ -136,48 +136,33 @@ TEST(TimeAccessConcurrency, ShuffledOrderGivesTheInOrderPictures)
     }
 }
 
-TEST(TimeAccessConcurrency, ThreadsOnOneEffectObjectGiveTheInOrderPictures)
+// All threads on one effect object, or each on an object of its own that shares the id.
+TEST(TimeAccessConcurrency, ThreadsOnOneObjectOrObjectsSharingAnIdGiveTheInOrderPictures)
 {
-    for (const Setting& setting : kSettings) {
-        Clip clip = TimeAccessOutcome::EventfulClip(setting.format);
-        const Outputs expected = InOrderReference(clip, setting);
-        ASSERT_GE(ChangedFrames(clip, expected), 4);
-        InProcessHost host(clip);
-        Configure(host, setting);
-        CDeglarer effect;
-        effect.SetId(FreshEffectId());
-        std::vector<Outputs> outputs(kThreads, Outputs(clip.FrameCount()));
-        RunTogether(
-            [&](int t) { RenderInOrder(host, effect, clip, Shuffled(clip.FrameCount(), 100 + t), outputs[t]); });
-        for (int t = 0; t < kThreads; ++t)
-            ExpectSameOutputs(expected, outputs[t], "thread " + std::to_string(t));
-        EXPECT_EQ(host.ReleaseCount(), host.FetchCount());
-        EXPECT_EQ(host.Leaks(), "");
-    }
-}
-
-TEST(TimeAccessConcurrency, ThreadsOnObjectsSharingAnIdGiveTheInOrderPictures)
-{
-    for (const Setting& setting : kSettings) {
-        Clip clip = TimeAccessOutcome::EventfulClip(setting.format);
-        const Outputs expected = InOrderReference(clip, setting);
-        ASSERT_GE(ChangedFrames(clip, expected), 4);
-        InProcessHost host(clip);
-        Configure(host, setting);
-        const unsigned int id = FreshEffectId();
-        std::vector<std::unique_ptr<CDeglarer>> effects;
-        for (int t = 0; t < kThreads; ++t) {
-            effects.push_back(std::make_unique<CDeglarer>());
-            effects.back()->SetId(id);
+    for (bool sharedObject : {true, false})
+        for (const Setting& setting : kSettings) {
+            Clip clip = TimeAccessOutcome::EventfulClip(setting.format);
+            const Outputs expected = InOrderReference(clip, setting);
+            ASSERT_GE(ChangedFrames(clip, expected), 4);
+            InProcessHost host(clip);
+            Configure(host, setting);
+            const unsigned int id = FreshEffectId();
+            std::vector<std::unique_ptr<CDeglarer>> effects;
+            for (int t = 0; t < (sharedObject ? 1 : kThreads); ++t) {
+                effects.push_back(std::make_unique<CDeglarer>());
+                effects.back()->SetId(id);
+            }
+            std::vector<Outputs> outputs(kThreads, Outputs(clip.FrameCount()));
+            RunTogether([&](int t) {
+                CDeglarer& effect = *effects[sharedObject ? 0 : t];
+                RenderInOrder(host, effect, clip, Shuffled(clip.FrameCount(), 100 + t), outputs[t]);
+            });
+            const std::string what = sharedObject ? "one object" : "objects sharing an id";
+            for (int t = 0; t < kThreads; ++t)
+                ExpectSameOutputs(expected, outputs[t], what + ", thread " + std::to_string(t));
+            EXPECT_EQ(host.ReleaseCount(), host.FetchCount());
+            EXPECT_EQ(host.Leaks(), "");
         }
-        std::vector<Outputs> outputs(kThreads, Outputs(clip.FrameCount()));
-        RunTogether(
-            [&](int t) { RenderInOrder(host, *effects[t], clip, Shuffled(clip.FrameCount(), 200 + t), outputs[t]); });
-        for (int t = 0; t < kThreads; ++t)
-            ExpectSameOutputs(expected, outputs[t], "thread " + std::to_string(t));
-        EXPECT_EQ(host.ReleaseCount(), host.FetchCount());
-        EXPECT_EQ(host.Leaks(), "");
-    }
 }
 
 TEST(TimeAccessConcurrency, ObjectsSharingAnIdAgreeOnTheFirstStoredRecord)
