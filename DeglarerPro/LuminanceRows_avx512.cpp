@@ -23,7 +23,16 @@ uint64_t AddLanes(__m512i lanes)
 }
 
 // Two four-byte dot products give 76 r + 149 g + 30 b exactly: 149 doesn't fit a signed byte
-// weight, so green is weighted 127 + 22. Bytes are given as little-endian weight words.
+// weight, so green is weighted 127 + 22. Bytes are given as little-endian weight words; the shift
+// then drops the fraction per pixel.
+inline __m512i Luminances(__m512i pixels, __m512i first, __m512i second)
+{
+    const __m512i weighted =
+        _mm512_dpbusd_epi32(_mm512_dpbusd_epi32(_mm512_setzero_si512(), pixels, first), pixels, second);
+    // The zero-masked shift: the plain form trips a false uninitialised-value warning.
+    return _mm512_maskz_srli_epi32(kAllLanes, weighted, 8);
+}
+
 template <class Pixel>
 uint64_t Sum8u(const Pixel* row, int width, int firstWeights, int secondWeights)
 {
@@ -31,20 +40,17 @@ uint64_t Sum8u(const Pixel* row, int width, int firstWeights, int secondWeights)
     const __m512i second = _mm512_set1_epi32(secondWeights);
     uint64_t sum = 0;
     int x = 0;
-    while (x < width) {
-        const int blocks = std::min((width - x + kPixelsPerBlock - 1) / kPixelsPerBlock, kBlocksPerFlush);
+    while (width - x >= kPixelsPerBlock) {
+        const int blocks = std::min((width - x) / kPixelsPerBlock, kBlocksPerFlush);
         __m512i lanes = _mm512_setzero_si512();
-        for (int block = 0; block < blocks; ++block, x += kPixelsPerBlock) {
-            // The last block loads only the row's remaining pixels; the others read as black.
-            const int remaining = std::min(width - x, kPixelsPerBlock);
-            const __mmask16 mask = static_cast<__mmask16>((1u << remaining) - 1u);
-            const __m512i pixels = _mm512_maskz_loadu_epi32(mask, row + x);
-            const __m512i weighted =
-                _mm512_dpbusd_epi32(_mm512_dpbusd_epi32(_mm512_setzero_si512(), pixels, first), pixels, second);
-            // The zero-masked shift: the plain form trips a false uninitialised-value warning.
-            lanes = _mm512_add_epi32(lanes, _mm512_maskz_srli_epi32(kAllLanes, weighted, 8));
-        }
+        for (int block = 0; block < blocks; ++block, x += kPixelsPerBlock)
+            lanes = _mm512_add_epi32(lanes, Luminances(_mm512_loadu_si512(row + x), first, second));
         sum += AddLanes(lanes);
+    }
+    if (x < width) {
+        // The row's last pixels only; the lanes beyond them read as black.
+        const __mmask16 mask = static_cast<__mmask16>((1u << (width - x)) - 1u);
+        sum += AddLanes(Luminances(_mm512_maskz_loadu_epi32(mask, row + x), first, second));
     }
     return sum;
 }

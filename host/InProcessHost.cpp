@@ -50,6 +50,12 @@ void InProcessHost::SetTestMode(bool on)
     m_params[2].dwType = eptBool;
 }
 
+void InProcessHost::SetParam(unsigned int index, const EffectParam& value)
+{
+    if (index < kParamCount)
+        m_params[index] = value;
+}
+
 bool InProcessHost::ApplyPreset(IVideoEffect* effect, unsigned int preset)
 {
     for (unsigned int param = 0; param < kParamCount; ++param) {
@@ -99,6 +105,12 @@ std::vector<int> InProcessHost::FetchedIndices() const
     return m_fetched;
 }
 
+std::vector<InProcessHost::FrameRequest> InProcessHost::FrameRequests() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_requests;
+}
+
 size_t InProcessHost::FetchCount() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
@@ -127,6 +139,7 @@ void InProcessHost::ClearRecord()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     m_fetched.clear();
+    m_requests.clear();
     m_released = 0;
     m_paramReads = 0;
     m_allocations = 0;
@@ -208,14 +221,17 @@ void* InProcessHost::GetFrameAt(RenderInfo* request, FrameParams* frame)
 
     std::lock_guard<std::mutex> lock(m_mutex);
     m_fetched.push_back(index);
+    m_requests.push_back(FrameRequest{*request, *frame});
     if (!m_options.timeAccess || index < 0 || index >= m_clip.FrameCount() || m_undeliverable.count(index) != 0)
         return nullptr;
     if (frame->pBuffer != nullptr)
         m_faults.push_back("GetFrameAt with a non-null buffer for frame " + std::to_string(index));
-    // Each delivery is a private copy, so a write into it or a use after release shows.
-    Delivery* delivery = new Delivery{index, std::vector<uint8_t>(m_clip.Frame(index),
-                                                                   m_clip.Frame(index) + m_clip.FrameBytes())};
-    frame->pBuffer = delivery->pixels.data();
+    Delivery* delivery = new Delivery{index, {}, m_clip.Frame(index)};
+    if (m_options.copyDeliveries) {
+        delivery->pixels.assign(m_clip.Frame(index), m_clip.Frame(index) + m_clip.FrameBytes());
+        delivery->buffer = delivery->pixels.data();
+    }
+    frame->pBuffer = delivery->buffer;
     frame->nWidth = m_clip.Width();
     frame->nHeight = m_clip.Height();
     frame->nByteSpan = m_clip.ByteSpan();
@@ -236,9 +252,10 @@ void InProcessHost::ReleaseFrame(void* handle, FrameParams* frame)
         return;
     }
     Delivery* delivery = found->second;
-    if (frame == nullptr || frame->pBuffer != delivery->pixels.data())
+    if (frame == nullptr || frame->pBuffer != delivery->buffer)
         m_faults.push_back("ReleaseFrame of frame " + std::to_string(delivery->index) + " with another record");
-    else if (std::memcmp(delivery->pixels.data(), m_clip.Frame(delivery->index), m_clip.FrameBytes()) != 0)
+    else if (!delivery->pixels.empty() &&
+             std::memcmp(delivery->pixels.data(), m_clip.Frame(delivery->index), m_clip.FrameBytes()) != 0)
         m_faults.push_back("the effect wrote into delivered frame " + std::to_string(delivery->index));
     m_deliveries.erase(found);
     delete delivery;

@@ -23,6 +23,10 @@ public:
         bool timeAccess = true;
         bool offerAllocator = true;
         uint32_t instanceId = 1;
+        // Each delivered frame is a private copy, so that a write into it or a use after release
+        // shows; off, GetFrameAt hands out the clip's own memory, as a host with frames in memory
+        // would (benchmarks).
+        bool copyDeliveries = true;
     };
 
     explicit InProcessHost(Clip& clip);
@@ -33,6 +37,8 @@ public:
     void SetSensitivity(float position);
     void SetMaxFrames(float position);
     void SetTestMode(bool on);
+    // Any value bytes for parameter `index` (0 to 2), as a host might hand them back.
+    void SetParam(unsigned int index, const EffectParam& value);
     // Applies one of the effect's stock presets through EnumPresetData.
     bool ApplyPreset(IVideoEffect* effect, unsigned int preset);
 
@@ -48,8 +54,15 @@ public:
     // Renders frame `index` of the clip into `destination`.
     bool RenderFrame(IVideoEffect* effect, int index, FrameParams* destination, int16_t field = 1);
 
+    // One GetFrameAt call as the host saw it on entry.
+    struct FrameRequest {
+        RenderInfo info;
+        FrameParams frame;
+    };
+
     // The call record.
     std::vector<int> FetchedIndices() const;
+    std::vector<FrameRequest> FrameRequests() const;
     size_t FetchCount() const;
     size_t ReleaseCount() const;
     size_t ParamReads() const;
@@ -78,7 +91,8 @@ public:
 private:
     struct Delivery {
         int index;
-        std::vector<uint8_t> pixels;
+        std::vector<uint8_t> pixels;   // empty when the clip's memory is handed out
+        uint8_t* buffer;
     };
 
     Clip& m_clip;
@@ -90,6 +104,7 @@ private:
 
     mutable std::mutex m_mutex;
     std::vector<int> m_fetched;
+    std::vector<FrameRequest> m_requests;
     size_t m_released = 0;
     size_t m_paramReads = 0;
     size_t m_allocations = 0;

@@ -1,0 +1,319 @@
+// The measuring loops: every instruction-set variant against the per-pixel double loop that
+// defines the figures, on pictures chosen to break row sums, tails and band edges.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "../Common/Frame.h"
+#include "../DeglarerPro/IntensityMeasure.h"
+#include "../DeglarerPro/IntensityMeasureReference.h"
+#include "../DeglarerPro/LuminanceRows.h"
+#include "GuardedBlock.h"
+
+namespace {
+
+uint32_t Bits(float value)
+{
+    uint32_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+}
+
+::testing::AssertionResult SameFigures(const Intensities& expected, const Intensities& actual)
+{
+    for (int band = 0; band < kIntensityBands; ++band)
+        if (Bits(expected.fBand[band]) != Bits(actual.fBand[band]))
+            return ::testing::AssertionFailure()
+                   << "band " << band << ": expected " << expected.fBand[band] << " got " << actual.fBand[band];
+    return ::testing::AssertionSuccess();
+}
+
+// A picture of `span` pixels a row, `width` of them used; the rest of each row is garbage that
+// must not count.
+template <class Pixel>
+struct Picture {
+    int width, height, span;
+    std::vector<Pixel> pixels;
+    Picture(int w, int h, int s) : width(w), height(h), span(s), pixels(static_cast<size_t>(s) * h) {}
+    Pixel& At(int x, int y) { return pixels[static_cast<size_t>(y) * span + x]; }
+};
+
+enum class Fill { kRandom, kBlack, kWhite, kAlternatingPixels, kAlternatingRows, kRandomOutOfRange };
+
+uint8_t ByteFor(Fill fill, int x, int y, std::mt19937& random)
+{
+    switch (fill) {
+    case Fill::kBlack: return 0;
+    case Fill::kWhite: return 255;
+    case Fill::kAlternatingPixels: return (x + y) % 2 ? 255 : 0;
+    case Fill::kAlternatingRows: return y % 2 ? 255 : 0;
+    default: return static_cast<uint8_t>(random());
+    }
+}
+
+float FloatFor(Fill fill, int x, int y, std::mt19937& random)
+{
+    if (fill == Fill::kRandomOutOfRange)
+        return std::uniform_real_distribution<float>(-0.5f, 3.0f)(random);
+    if (fill == Fill::kRandom)
+        return std::uniform_real_distribution<float>(0.0f, 1.0f)(random);
+    return ByteFor(fill, x, y, random) / 255.0f;
+}
+
+template <class Pixel>
+void FillPicture(Picture<Pixel>& picture, Fill fill, std::mt19937& random)
+{
+    for (int y = 0; y < picture.height; ++y)
+        for (int x = 0; x < picture.span; ++x) {
+            Pixel& pixel = picture.At(x, y);
+            const bool inside = x < picture.width;
+            if constexpr (sizeof(Pixel) == 4) {
+                pixel.r = inside ? ByteFor(fill, x, y, random) : 0xFF;
+                pixel.g = inside ? ByteFor(fill, x + 1, y, random) : 0xFF;
+                pixel.b = inside ? ByteFor(fill, x + 2, y, random) : 0xFF;
+                pixel.a = static_cast<uint8_t>(random());
+            } else {
+                pixel.r = inside ? FloatFor(fill, x, y, random) : 1e30f;
+                pixel.g = inside ? FloatFor(fill, x + 1, y, random) : 1e30f;
+                pixel.b = inside ? FloatFor(fill, x + 2, y, random) : 1e30f;
+                pixel.a = 1e30f;
+            }
+        }
+}
+
+struct Shape {
+    int width, height, span;
+};
+
+std::vector<Shape> Shapes(std::mt19937& random)
+{
+    // Odd widths around each vector length, spans wider than the width, heights on and off a
+    // multiple of 4, and one full-size frame.
+    std::vector<Shape> shapes = {{1, 4, 1},  {1, 7, 3},   {3, 5, 3},    {7, 4, 9},     {8, 8, 8},
+                                 {9, 6, 9},  {15, 9, 16}, {16, 13, 21}, {17, 11, 17},  {31, 4, 40},
+                                 {33, 10, 33}, {64, 7, 65}, {100, 23, 107}, {1920, 1080, 1920}};
+    for (int i = 0; i < 40; ++i) {
+        const int width = 1 + static_cast<int>(random() % 300);
+        shapes.push_back({width, 4 + static_cast<int>(random() % 60), width + static_cast<int>(random() % 8)});
+    }
+    return shapes;
+}
+
+template <class Pixel, class Measure, class Reference>
+void CheckEveryVariant(Measure measure, Reference reference, const std::vector<Fill>& fills)
+{
+    std::mt19937 random(20240611);
+    for (const Shape& shape : Shapes(random))
+        for (Fill fill : fills) {
+            Picture<Pixel> picture(shape.width, shape.height, shape.span);
+            FillPicture(picture, fill, random);
+            const Intensities expected = reference(picture.pixels.data(), shape.span, shape.width, shape.height);
+            for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels())
+                EXPECT_TRUE(SameFigures(expected, measure(picture.pixels.data(), shape.span, shape.width,
+                                                          shape.height, *kernels)))
+                    << kernels->name << " " << shape.width << "x" << shape.height << " span " << shape.span
+                    << " fill " << static_cast<int>(fill);
+        }
+}
+
+const std::vector<Fill> kByteFills = {Fill::kRandom, Fill::kBlack, Fill::kWhite, Fill::kAlternatingPixels,
+                                      Fill::kAlternatingRows};
+const std::vector<Fill> kFloatFills = {Fill::kRandom, Fill::kRandomOutOfRange, Fill::kBlack, Fill::kWhite,
+                                       Fill::kAlternatingPixels};
+
+TEST(IntensityMeasure, EveryVariantGivesTheFiguresOfThePerPixelLoop)
+{
+    CheckEveryVariant<VideoSample>(
+        [](const VideoSample* p, int s, int w, int h, const LuminanceRowKernels& k) {
+            return getAverageIntensity8u(p, s, w, h, k);
+        },
+        [](const VideoSample* p, int s, int w, int h) { return IntensityReference::getAverageIntensity8u(p, s, w, h); },
+        kByteFills);
+    CheckEveryVariant<VideoSampleSwapped>(
+        [](const VideoSampleSwapped* p, int s, int w, int h, const LuminanceRowKernels& k) {
+            return getAverageIntensity8u(p, s, w, h, k);
+        },
+        [](const VideoSampleSwapped* p, int s, int w, int h) {
+            return IntensityReference::getAverageIntensity8u(p, s, w, h);
+        },
+        kByteFills);
+    CheckEveryVariant<VideoSampleFloat>(
+        [](const VideoSampleFloat* p, int s, int w, int h, const LuminanceRowKernels& k) {
+            return getAverageIntensity32f(p, s, w, h, k);
+        },
+        [](const VideoSampleFloat* p, int s, int w, int h) {
+            return IntensityReference::getAverageIntensity32f(p, s, w, h);
+        },
+        kFloatFills);
+    CheckEveryVariant<VideoSampleSwappedFloat>(
+        [](const VideoSampleSwappedFloat* p, int s, int w, int h, const LuminanceRowKernels& k) {
+            return getAverageIntensity32f(p, s, w, h, k);
+        },
+        [](const VideoSampleSwappedFloat* p, int s, int w, int h) {
+            return IntensityReference::getAverageIntensity32f(p, s, w, h);
+        },
+        kFloatFills);
+}
+
+TEST(IntensityMeasure, EightBitRowSumsAreExactInEveryVariant)
+{
+    std::mt19937 random(7);
+    for (int width = 1; width < 200; ++width) {
+        Picture<VideoSample> picture(width, 1, width);
+        Picture<VideoSampleSwapped> swapped(width, 1, width);
+        FillPicture(picture, Fill::kRandom, random);
+        uint64_t expected = 0;
+        for (int x = 0; x < width; ++x) {
+            const VideoSample& p = picture.At(x, 0);
+            expected += (76u * p.r + 149u * p.g + 30u * p.b) >> 8;
+            swapped.At(x, 0) = VideoSampleSwapped{p.a, p.r, p.g, p.b};
+        }
+        for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels()) {
+            EXPECT_EQ(kernels->sum8u(picture.pixels.data(), width), expected) << kernels->name << " " << width;
+            EXPECT_EQ(kernels->sum8uSwapped(swapped.pixels.data(), width), expected) << kernels->name << " " << width;
+        }
+    }
+    // White weighs 254, not 255.
+    VideoSample white = {255, 255, 255, 255};
+    EXPECT_EQ(kLuminanceRowsPlain.sum8u(&white, 1), 254u);
+}
+
+TEST(IntensityMeasure, NoVariantReadsPastThePicture)
+{
+    for (int width = 1; width <= 40; ++width)
+        for (int height = 4; height <= 6; ++height) {
+            const size_t byteCount = static_cast<size_t>(width) * height;
+            // The pictures end right at a page that faults when read.
+            GuardedBlock bytes(byteCount * 4, GuardedBlock::Guard::AfterEnd);
+            GuardedBlock floats(byteCount * 16, GuardedBlock::Guard::AfterEnd);
+            uint8_t* bytePixels = bytes.Data();
+            uint8_t* floatPixels = floats.Data();
+            std::memset(bytePixels, 0x80, byteCount * 4);
+            std::memset(floatPixels, 0, byteCount * 16);
+            for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels()) {
+                const Intensities plain =
+                    getAverageIntensity8u(reinterpret_cast<VideoSample*>(bytePixels), width, width, height, *kernels);
+                const Intensities swapped = getAverageIntensity8u(reinterpret_cast<VideoSampleSwapped*>(bytePixels),
+                                                                  width, width, height, *kernels);
+                EXPECT_TRUE(SameFigures(plain, swapped));
+                EXPECT_GT(plain.fBand[0], 0.0f);
+                getAverageIntensity32f(reinterpret_cast<VideoSampleFloat*>(floatPixels), width, width, height,
+                                       *kernels);
+                getAverageIntensity32f(reinterpret_cast<VideoSampleSwappedFloat*>(floatPixels), width, width, height,
+                                       *kernels);
+            }
+        }
+}
+
+// A frame over a picture of one grey level, or bright in some rows and black in the rest.
+struct ByteFrame {
+    std::vector<uint8_t> bytes;
+    CFrame frame;
+    ByteFrame(int width, int height, PixelFormat format, int brightRows, uint8_t level)
+        : bytes(static_cast<size_t>(width) * height * 4, 0)
+    {
+        for (int y = 0; y < brightRows; ++y)
+            for (int x = 0; x < width; ++x) {
+                uint8_t* px = &bytes[(static_cast<size_t>(y) * width + x) * 4];
+                px[0] = px[1] = px[2] = px[3] = level;
+            }
+        frame.Init(bytes.data(), width, height, width * 4, 4, format, false);
+    }
+};
+
+TEST(IntensityMeasure, FramesGiveTheirBandFigures)
+{
+    // 400 rows, q = 100. Over a uniform picture band 0 gathers the weights q (the first quarter)
+    // and 100/100 + ... + 1/100 = (q + 1) / 2 (its slope), against the divisor 1.5 q; band 3
+    // gathers (q - 1) / 2 + q; bands 1 and 2 gather exactly their divisor 2 q. Over a first
+    // quarter only, band 0 gathers q and band 1 its rising slope 0/100 + ... + 99/100.
+    const double q = 100.0;
+    const double white = 254.0 / 255.0;
+    struct Case {
+        const char* what;
+        int brightRows;   // of 400
+        uint8_t level;
+        double expected[4];
+    };
+    const Case cases[] = {
+        {"white", 400, 255,
+         {white * (1.5 * q + 0.5) / (1.5 * q), white, white, white * (1.5 * q - 0.5) / (1.5 * q)}},
+        {"black", 400, 0, {0.0, 0.0, 0.0, 0.0}},
+        {"first quarter white", 100, 255, {white * 2.0 / 3.0, white * (q - 1) / 2 / (2 * q), 0.0, 0.0}},
+    };
+    for (const Case& c : cases)
+        for (PixelFormat format : {pfVideoSample, pfVideoSampleSwapped}) {
+            ByteFrame picture(37, 400, format, c.brightRows, c.level);
+            const Intensities figures = MeasureFrameIntensities(picture.frame);
+            for (int band = 0; band < 4; ++band)
+                EXPECT_NEAR(figures.fBand[band], c.expected[band], 1e-6) << c.what << " band " << band;
+        }
+}
+
+TEST(IntensityMeasure, SwappedFormatsGiveThePlainFigures)
+{
+    std::mt19937 random(99);
+    const int width = 45, height = 22;
+    Picture<VideoSample> plain(width, height, width);
+    Picture<VideoSampleSwapped> swapped(width, height, width);
+    Picture<VideoSampleFloat> plainFloat(width, height, width);
+    Picture<VideoSampleSwappedFloat> swappedFloat(width, height, width);
+    FillPicture(plain, Fill::kRandom, random);
+    FillPicture(plainFloat, Fill::kRandom, random);
+    for (size_t i = 0; i < plain.pixels.size(); ++i) {
+        const VideoSample& p = plain.pixels[i];
+        swapped.pixels[i] = VideoSampleSwapped{p.a, p.r, p.g, p.b};
+        const VideoSampleFloat& f = plainFloat.pixels[i];
+        swappedFloat.pixels[i] = VideoSampleSwappedFloat{f.a, f.r, f.g, f.b};
+    }
+    EXPECT_TRUE(SameFigures(getAverageIntensity8u(plain.pixels.data(), width, width, height),
+                            getAverageIntensity8u(swapped.pixels.data(), width, width, height)));
+    EXPECT_TRUE(SameFigures(getAverageIntensity32f(plainFloat.pixels.data(), width, width, height),
+                            getAverageIntensity32f(swappedFloat.pixels.data(), width, width, height)));
+}
+
+TEST(IntensityMeasure, UnmeasurableInputGivesZerosWithoutReading)
+{
+    VideoSample pixel = {200, 200, 200, 200};
+    const Intensities zero = Intensities::Zero();
+    // Fewer than 4 rows, no width, a span shorter than a row, no pixels.
+    EXPECT_TRUE(SameFigures(zero, getAverageIntensity8u(&pixel, 1, 1, 3)));
+    EXPECT_TRUE(SameFigures(zero, getAverageIntensity8u(&pixel, 1, 0, 4)));
+    EXPECT_TRUE(SameFigures(zero, getAverageIntensity8u(&pixel, 1, -3, 4)));
+    EXPECT_TRUE(SameFigures(zero, getAverageIntensity8u(&pixel, 0, 1, 4)));
+    EXPECT_TRUE(SameFigures(zero, getAverageIntensity8u(static_cast<VideoSample*>(nullptr), 8, 8, 8)));
+    EXPECT_TRUE(SameFigures(zero, getAverageIntensity32f(static_cast<VideoSampleFloat*>(nullptr), 8, 8, 8)));
+
+    ByteFrame picture(8, 8, pfVideoSample, 8, 200);
+    for (PixelFormat format : {pfMono8, pfMonoFloat, static_cast<PixelFormat>(2), static_cast<PixelFormat>(-1)}) {
+        picture.frame.m_pfPixelFormat = format;
+        EXPECT_TRUE(SameFigures(zero, MeasureFrameIntensities(picture.frame))) << format;
+    }
+    // A float format over 4-byte pixels would read four times the picture.
+    picture.frame.m_pfPixelFormat = pfVideoSampleFloat;
+    EXPECT_TRUE(SameFigures(zero, MeasureFrameIntensities(picture.frame)));
+    picture.frame.m_pfPixelFormat = pfVideoSample;
+    EXPECT_GT(MeasureFrameIntensities(picture.frame).fBand[0], 0.7f);
+    picture.frame.m_pBuffer = nullptr;
+    EXPECT_TRUE(SameFigures(zero, MeasureFrameIntensities(picture.frame)));
+}
+
+TEST(IntensityMeasure, BandWeightsFormTrapezoids)
+{
+    // Height 10: q = 2, rows 8 and 9 are left over and fall into the last quarter.
+    const double expected[10][4] = {
+        {1, 0, 0, 0},   {1, 0.5, 0, 0}, {1, 1, 0, 0},   {0.5, 1, 0.5, 0}, {0, 1, 1, 0},
+        {0, 0.5, 1, 0.5}, {0, 0, 2, 1}, {0, 0, 1.5, 1}, {0, 0, 1, 1},     {0, 0, 0.5, 1},
+    };
+    for (int row = 0; row < 10; ++row) {
+        double weights[4];
+        BandWeights(row, 2, 10, weights);
+        for (int band = 0; band < 4; ++band)
+            EXPECT_EQ(weights[band], expected[row][band]) << "row " << row << " band " << band;
+    }
+}
+
+} // namespace
