@@ -86,8 +86,8 @@ public:
             window.brightness[band].push_back(measured.fBand[band]);
             window.level[band].push_back(0);
         }
-        ScanBackward(current, measured, window);
-        ScanForward(current, total, measured, window);
+        ScanOneWay(current, total, -1, measured, window);
+        ScanOneWay(current, total, +1, measured, window);
     }
 
 private:
@@ -102,56 +102,43 @@ private:
         }
     };
 
-    void ScanBackward(int current, const Intensities& measured, Window& window)
+    // Walks away from the current frame, one way, until every band has been still long enough.
+    // The level series always runs forward in time, so a step found walking back is taken the
+    // other way round; a frame the host can't deliver repeats its neighbour's figures.
+    void ScanOneWay(int current, int total, int direction, const Intensities& measured, Window& window)
     {
-        Intensities later = measured;
+        const bool backward = direction < 0;
+        Intensities adjacent = measured;
         Stillness still;
-        for (int frame = current - 1; frame >= 0 && !still.Quiet(); --frame) {
+        for (int frame = current + direction; frame >= 0 && frame < total && !still.Quiet(); frame += direction) {
             const Intensities figures = m_effect.GetAverageIntensity(frame, m_pHost, m_pInfo, m_format);
             const bool delivered = figures.AllAtLeastZero();
             for (int band = 0; band < kIntensityBands; ++band) {
                 std::deque<float>& brightness = window.brightness[band];
                 std::deque<int>& level = window.level[band];
+                float newBrightness = backward ? brightness.front() : brightness.back();
+                int newLevel = backward ? level.front() : level.back();
                 if (delivered) {
-                    const Step step = StepBetween(figures.fBand[band], later.fBand[band], m_threshold);
-                    brightness.push_front(figures.fBand[band]);
-                    level.push_front(level.front() - step.rise + step.fall);
+                    const Step step = backward ? StepBetween(figures.fBand[band], adjacent.fBand[band], m_threshold)
+                                               : StepBetween(adjacent.fBand[band], figures.fBand[band], m_threshold);
+                    newBrightness = figures.fBand[band];
+                    newLevel += direction * (step.rise - step.fall);
                     still.frames[band] = step.rise == step.fall ? still.frames[band] + 1 : 0;
                 } else {
-                    brightness.push_front(brightness.front());
-                    level.push_front(level.front());
                     ++still.frames[band];
+                }
+                if (backward) {
+                    brightness.push_front(newBrightness);
+                    level.push_front(newLevel);
+                } else {
+                    brightness.push_back(newBrightness);
+                    level.push_back(newLevel);
                 }
             }
             if (delivered)
-                later = figures;
-            window.first = frame;
-        }
-    }
-
-    void ScanForward(int current, int total, const Intensities& measured, Window& window)
-    {
-        Intensities earlier = measured;
-        Stillness still;
-        for (int frame = current + 1; frame < total && !still.Quiet(); ++frame) {
-            const Intensities figures = m_effect.GetAverageIntensity(frame, m_pHost, m_pInfo, m_format);
-            const bool delivered = figures.AllAtLeastZero();
-            for (int band = 0; band < kIntensityBands; ++band) {
-                std::deque<float>& brightness = window.brightness[band];
-                std::deque<int>& level = window.level[band];
-                if (delivered) {
-                    const Step step = StepBetween(earlier.fBand[band], figures.fBand[band], m_threshold);
-                    brightness.push_back(figures.fBand[band]);
-                    level.push_back(level.back() + step.rise - step.fall);
-                    still.frames[band] = step.rise == step.fall ? still.frames[band] + 1 : 0;
-                } else {
-                    brightness.push_back(brightness.back());
-                    level.push_back(level.back());
-                    ++still.frames[band];
-                }
-            }
-            if (delivered)
-                earlier = figures;
+                adjacent = figures;
+            if (backward)
+                window.first = frame;
         }
     }
 
