@@ -1,0 +1,70 @@
+// deglare: a command-line host that removes flashes from video files through the effect.
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <cstdarg>
+#include <iostream>
+#include <string>
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+#include "Application.h"
+#include "Console.h"
+#include "ExitStatus.h"
+#include "Options.h"
+
+namespace {
+// Set by Ctrl-C; the run watches it and stops cleanly.
+std::atomic<bool> s_interrupted{false};
+// Where FFmpeg's own complaints go, so that they don't tear the progress bar.
+Deglare::Console* s_console = nullptr;
+
+extern "C" void OnInterrupt(int)
+{
+    s_interrupted = true;
+}
+
+extern "C" void OnLibraryMessage(void* object, int level, const char* format, va_list arguments)
+{
+    if (level > av_log_get_level() || s_console == nullptr)
+        return;
+    thread_local std::string line;
+    thread_local int printPrefix = 1;
+    char text[1024];
+    av_log_format_line2(object, level, format, arguments, text, sizeof(text), &printPrefix);
+    line += text;
+    if (line.empty() || line.back() != '\n')
+        return;
+    line.pop_back();
+    s_console->Warn(line);
+    line.clear();
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    using namespace Deglare;
+    Options options;
+    switch (ParseOptions(argc, argv, options, std::cout, std::cerr)) {
+    case ParseResult::Done:
+        return static_cast<int>(ExitStatus::Success);
+    case ParseResult::Invalid:
+        return static_cast<int>(ExitStatus::Usage);
+    case ParseResult::Run:
+        break;
+    }
+    std::signal(SIGINT, OnInterrupt);
+    std::signal(SIGTERM, OnInterrupt);
+
+    Console console(std::cerr, isatty(STDERR_FILENO) != 0, options.quiet);
+    s_console = &console;
+    av_log_set_level(AV_LOG_ERROR);
+    av_log_set_callback(OnLibraryMessage);
+    const ExitStatus status = RunApplication(options, console, std::cout, &s_interrupted);
+    av_log_set_callback(av_log_default_callback);
+    s_console = nullptr;
+    return static_cast<int>(status);
+}
