@@ -4,8 +4,11 @@
 
 #include "EffectModule.h"
 #include "MediaInput.h"
+#include "FlashRuns.h"
 #include "OutputMuxer.h"
 #include "Pipeline.h"
+#include "PlotWriter.h"
+#include "ReportWriter.h"
 #include "SliderPositions.h"
 #include "Summary.h"
 #include "TemporaryOutput.h"
@@ -29,6 +32,16 @@ EffectSettings ChooseSettings(const Options& options, const EffectModule& module
     return settings;
 }
 
+std::string PlotTitle(const std::string& input, const std::vector<FrameRecord>& records)
+{
+    const size_t slash = input.find_last_of('/');
+    const std::string name = slash == std::string::npos ? input : input.substr(slash + 1);
+    const size_t flashes = FindFlashRuns(records).size();
+    const int replaced = CountReplaced(records);
+    return name + ": " + std::to_string(flashes) + (flashes == 1 ? " flash, " : " flashes, ") +
+           std::to_string(replaced) + (replaced == 1 ? " frame replaced" : " frames replaced");
+}
+
 void CleanOrAnalyze(const Options& options, Console& console, std::ostream& out, const std::atomic<bool>* interrupted)
 {
     // What can be refused without reading anything is refused first.
@@ -39,6 +52,9 @@ void CleanOrAnalyze(const Options& options, Console& console, std::ostream& out,
     MediaInput::CheckReadable(options.input);
     if (!options.analyze)
         TemporaryOutput::Check(options.output, options.input);
+    for (const std::string* path : {&options.report, &options.plot})
+        if (!path->empty())
+            TemporaryOutput::Check(*path, options.input);
 
     EffectModule module(options.bundle.empty() ? EffectModule::BundleBesideProgram() : options.bundle);
     RunSettings run;
@@ -56,6 +72,16 @@ void CleanOrAnalyze(const Options& options, Console& console, std::ostream& out,
 
     const RunResult result = Pipeline(module.Effect(), console).Run(run);
 
+    if (!options.report.empty()) {
+        ReportContext context;
+        context.input = options.input;
+        context.settings = run.effect;
+        context.sequential = options.sequential;
+        context.seconds = result.seconds;
+        WriteReport(options.report, context, result.frames);
+    }
+    if (!options.plot.empty())
+        WritePlot(options.plot, PlotTitle(options.input, result.frames), result.frames, options.input);
     if (options.analyze)
         for (const std::string& line : RunLines(result.frames))
             out << line << '\n';
