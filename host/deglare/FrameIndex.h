@@ -10,7 +10,7 @@ namespace Deglare {
 // timestamps is untimed: its frames are numbered in the order they decode.
 class FrameIndex {
 public:
-    static const int kNotFound = -1;
+    static constexpr int kNotFound = -1;
 
     // One video packet's presentation timestamp, in any order; AV_NOPTS_VALUE makes the index
     // untimed.

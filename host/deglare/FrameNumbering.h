@@ -10,7 +10,7 @@ namespace Deglare {
 // known when decoding started at the beginning and not after a seek.
 class FrameNumbering {
 public:
-    static const int kUnknown = -1;
+    static constexpr int kUnknown = -1;
 
     explicit FrameNumbering(const FrameIndex& index) : m_index(index) {}
 

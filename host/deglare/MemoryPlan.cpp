@@ -10,14 +10,14 @@ namespace {
 const int kLeastAhead = 8;
 const int kMostBehind = 8;
 const int kLeastBehind = 2;
-const int kFarFrames = 4;
+const int kFarFrames = 2;
 } // namespace
 
 MemoryPlan PlanMemory(size_t budget, size_t frameBytes, size_t pictureBytes, size_t outcomeBytes, int renderThreads)
 {
     MemoryPlan plan;
     const int threads = std::max(renderThreads, 1);
-    plan.pendingFrames = 2 * threads + 2;
+    plan.pendingFrames = threads + 2;
     plan.farFrames = kFarFrames;
     const size_t fixedBytes = plan.pendingFrames * outcomeBytes + plan.farFrames * frameBytes +
                               2 * static_cast<size_t>(threads) * pictureBytes;

@@ -14,6 +14,8 @@ public:
     Picture(int width, int height);
     Picture(const Picture&) = delete;
     Picture& operator=(const Picture&) = delete;
+    Picture(Picture&&) = default;
+    Picture& operator=(Picture&&) = default;
 
     int Width() const { return m_width; }
     int Height() const { return m_height; }

@@ -46,7 +46,7 @@ public:
     HostInfo GetHostInfo() override;
 
     // Whole frames: both fields of an interlaced picture in one.
-    static const int16_t kWholeFrame = 3;
+    static constexpr int16_t kWholeFrame = 3;
 
 private:
     FrameSource& m_frames;
