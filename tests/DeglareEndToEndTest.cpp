@@ -2,6 +2,11 @@
 // clips generated with FFmpeg's libraries and read back frame by frame.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+
 #include "DeglareTestSupport.h"
 
 namespace {
@@ -103,3 +108,211 @@ TEST(DeglareEndToEnd, SteadyClipsComeOutUnchanged)
 }
 
 } // namespace
+
+namespace {
+
+// A WAV file of silence: media with no video stream.
+std::string SilentWav()
+{
+    const uint32_t samples = 4800;
+    std::string wav = "RIFF";
+    auto put32 = [&](uint32_t value) { wav.append(reinterpret_cast<const char*>(&value), 4); };
+    auto put16 = [&](uint16_t value) { wav.append(reinterpret_cast<const char*>(&value), 2); };
+    put32(36 + samples * 2);
+    wav += "WAVEfmt ";
+    put32(16);
+    put16(1);
+    put16(1);
+    put32(48000);
+    put32(96000);
+    put16(2);
+    put16(16);
+    wav += "data";
+    put32(samples * 2);
+    wav.append(samples * 2, '\0');
+    return wav;
+}
+
+struct BadCase {
+    const char* name;
+    std::vector<std::string> arguments;     // "@name" stands for a file in the test's folder
+    int status;
+    const char* named;                      // what the message must name
+    const char* cause;                      // and a word of its cause
+};
+
+} // namespace
+
+// Every bad input ends with one line naming the file and the cause, a status of its own, and
+// no OUTPUT: a file already there stays as it was, and nothing else is left behind.
+TEST(DeglareEndToEnd, BadInputsFailCleanlyWithTheirOwnStatus)
+{
+    TempFolder folder;
+    ClipSpec spec;
+    spec.frameCount = 8;
+    WriteClip(folder.Path("clip.mkv"), spec, Scene(Steady(8)));
+    ClipSpec oddSpec = spec;
+    oddSpec.width = 65;
+    oddSpec.height = 49;
+    WriteClip(folder.Path("odd.mkv"), oddSpec, Scene(Steady(8)));
+    ClipSpec emptySpec = spec;
+    emptySpec.frameCount = 0;
+    WriteClip(folder.Path("empty.avi"), emptySpec, Scene({}));
+    WriteFile(folder.Path("notes.txt"), "These are words, not pictures.\n");
+    WriteFile(folder.Path("tone.wav"), SilentWav());
+    WriteFile(folder.Path("old.mkv"), "an older file");
+    std::filesystem::create_directory(folder.Path("sub"));
+    std::filesystem::create_directory(folder.Path("locked"));
+    const bool root = geteuid() == 0;
+    // Root may write anywhere a mode allows nothing; a folder of the proc file system takes no files.
+    const std::string lockedFolder = root ? "/proc" : folder.Path("locked");
+    if (!root)
+        std::filesystem::permissions(folder.Path("locked"), std::filesystem::perms::owner_read |
+                                                                std::filesystem::perms::owner_exec);
+
+    const BadCase cases[] = {
+        {"missing input", {"@missing.mkv", "@old.mkv"}, 3, "missing.mkv", "No such file"},
+        {"folder as input", {"@sub", "@old.mkv"}, 3, "sub", "folder"},
+        {"not media", {"@notes.txt", "@old.mkv"}, 4, "notes.txt", "not a media file"},
+        {"no video stream", {"@tone.wav", "@old.mkv"}, 5, "tone.wav", "no video"},
+        {"zero-frame video", {"@empty.avi", "@old.mkv"}, 6, "empty.avi", "no frames"},
+        {"output is input", {"@clip.mkv", "@clip.mkv"}, 7, "clip.mkv", "input itself"},
+        {"output is input by another name", {"@clip.mkv", "@sub/../clip.mkv"}, 7, "clip.mkv", "input itself"},
+        {"output folder missing", {"@clip.mkv", "@nowhere/out.mkv"}, 8, "nowhere", "doesn't exist"},
+        {"output folder not writable", {"@clip.mkv", lockedFolder + "/out.mkv"}, 9, "out.mkv", "can't write"},
+        {"output is a folder", {"@clip.mkv", "@sub"}, 10, "sub", "folder"},
+        {"unknown encoder", {"@clip.mkv", "@old.mkv", "--codec", "nosuchcodec"}, 11, "nosuchcodec", "no such"},
+        {"encoder refuses the size", {"@odd.mkv", "@old.mkv", "--codec", "libx264"}, 12, "libx264", "not divisible by 2"},
+        {"unknown container", {"@clip.mkv", "@out.nosuch"}, 13, "out.nosuch", "container"},
+        {"unknown preset", {"@clip.mkv", "@old.mkv", "--preset", "Sunny Day"}, 14, "Sunny Day", "no such preset"},
+        {"sensitivity out of range", {"@clip.mkv", "@old.mkv", "--sensitivity", "150"}, 2, "--sensitivity", "150"},
+        {"max frames out of range", {"@clip.mkv", "@old.mkv", "--max-frames", "0"}, 2, "--max-frames", "0"},
+        {"no effect bundle", {"@clip.mkv", "@old.mkv", "--bundle", "@nobundle"}, 17, "nobundle", "can't be loaded"},
+    };
+    const std::vector<std::string> filesBefore = folder.Files();
+    for (const BadCase& test : cases) {
+        SCOPED_TRACE(test.name);
+        std::vector<std::string> arguments;
+        for (const std::string& argument : test.arguments)
+            arguments.push_back(argument[0] == '@' ? folder.Path(argument.substr(1)) : argument);
+        const ProgramRun run = RunDeglare(arguments);
+        EXPECT_EQ(run.status, test.status) << run.err;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_EQ(run.err.rfind("deglare: ", 0), 0u) << run.err;
+        EXPECT_NE(run.err.find(test.named), std::string::npos) << run.err;
+        EXPECT_NE(run.err.find(test.cause), std::string::npos) << run.err;
+        EXPECT_EQ(run.out, "");
+        EXPECT_EQ(ReadFile(folder.Path("old.mkv")), "an older file");
+        EXPECT_EQ(folder.Files(), filesBefore);
+    }
+    if (!root) {
+        // A file the user may not read.
+        std::filesystem::permissions(folder.Path("clip.mkv"), std::filesystem::perms::none);
+        const ProgramRun run = RunDeglare({folder.Path("clip.mkv"), folder.Path("out.mkv")});
+        EXPECT_EQ(run.status, 3) << run.err;
+        EXPECT_NE(run.err.find("Permission denied"), std::string::npos) << run.err;
+    }
+}
+
+// A full disk in the middle of writing is reported, and the half-written file goes.
+TEST(DeglareEndToEnd, WriteFailureIsReportedAndLeavesNothing)
+{
+    TempFolder folder;
+    ClipSpec spec;
+    spec.width = 160;
+    spec.height = 120;
+    spec.frameCount = 20;
+    const std::string input = folder.Path("clip.mkv");
+    WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+    WriteFile(folder.Path("old.mkv"), "an older file");
+    const long limit = static_cast<long>(std::filesystem::file_size(input) / 3);
+    const ProgramRun run = RunDeglare({input, folder.Path("old.mkv"), "--codec", "ffv1", "--quiet"}, limit);
+    EXPECT_EQ(run.status, 16) << run.err;
+    EXPECT_NE(run.err.find("old.mkv: writing failed"), std::string::npos) << run.err;
+    EXPECT_EQ(ReadFile(folder.Path("old.mkv")), "an older file");
+    EXPECT_EQ(folder.Files(), (std::vector<std::string>{"clip.mkv", "old.mkv"}));
+}
+
+// Damage in the middle of a stream is decoded past, with a warning that names the frame.
+TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
+{
+    TempFolder folder;
+    ClipSpec spec;
+    spec.width = 160;
+    spec.height = 120;
+    spec.frameCount = 30;
+    spec.codec = "libx264";
+    const std::string input = folder.Path("clip.mkv");
+    WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+
+    // Overwrite the middle of the largest picture after frame 10 that isn't a keyframe.
+    int damaged = -1;
+    int64_t position = 0;
+    {
+        AVFormatContext* opened = nullptr;
+        ASSERT_EQ(avformat_open_input(&opened, input.c_str(), nullptr, nullptr), 0);
+        InputFormatRef format(opened);
+        PacketRef packet = AllocatePacket();
+        int largest = 0;
+        while (av_read_frame(format.get(), packet.get()) >= 0) {
+            const int index = static_cast<int>(av_rescale_q(packet->pts, format->streams[0]->time_base, {1, 25}));
+            if (index > 10 && index < 25 && !(packet->flags & AV_PKT_FLAG_KEY) && packet->size > largest) {
+                largest = packet->size;
+                damaged = index;
+                position = packet->pos + packet->size / 2;
+            }
+            av_packet_unref(packet.get());
+        }
+        ASSERT_GT(largest, 64);
+    }
+    std::string bytes = ReadFile(input);
+    for (int offset = 0; offset < 48; ++offset)
+        bytes[position + offset] = static_cast<char>(0x5A ^ offset);
+    WriteFile(input, bytes);
+
+    const std::string output = folder.Path("out.mkv");
+    const ProgramRun run = RunDeglare({input, output, "--codec", "ffv1", "--quiet"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.err.find("warning"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("frame " + std::to_string(damaged)), std::string::npos) << run.err;
+    const ReadClip after = ReadBack(output);
+    EXPECT_GE(after.frames.size(), static_cast<size_t>(spec.frameCount - 1));
+}
+
+// Presets are read from the effect by name, in any case, and land in the report's settings;
+// sliders given beside a preset override it.
+TEST(DeglareEndToEnd, PresetsComeFromTheEffect)
+{
+    TempFolder folder;
+    ClipSpec spec;
+    spec.frameCount = 6;
+    const std::string input = folder.Path("clip.mkv");
+    WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+    struct Case {
+        std::vector<std::string> options;
+        int sensitivity;
+        int maxFrames;
+        bool testMode;
+    };
+    const Case cases[] = {
+        {{}, 70, 2, false},
+        {{"--preset", "fine tune"}, 50, 1, true},
+        {{"--preset", "HEAVY FLASHES"}, 45, 10, true},
+        {{"--preset", "Bright Lighting"}, 90, 4, false},
+        {{"--preset", "Multi Flashes"}, 45, 3, true},
+        {{"--preset", "Single Flashes", "--max-frames", "7", "--sensitivity", "33"}, 33, 7, false},
+        {{"--test-mode", "--sensitivity", "0"}, 0, 2, true},
+    };
+    for (const Case& test : cases) {
+        const std::string report = folder.Path("report.json");
+        std::vector<std::string> arguments = {input, "--analyze", "--quiet", "--report", report};
+        arguments.insert(arguments.end(), test.options.begin(), test.options.end());
+        const ProgramRun run = RunDeglare(arguments);
+        ASSERT_EQ(run.status, 0) << run.err;
+        const std::string text = ReadFile(report);
+        const auto has = [&](const std::string& entry) { return text.find(entry) != std::string::npos; };
+        EXPECT_TRUE(has("\"sensitivity\": " + std::to_string(test.sensitivity) + ",")) << text.substr(0, 300);
+        EXPECT_TRUE(has("\"maxFrames\": " + std::to_string(test.maxFrames) + ",")) << text.substr(0, 300);
+        EXPECT_TRUE(has(std::string("\"testMode\": ") + (test.testMode ? "true" : "false"))) << text.substr(0, 300);
+    }
+}

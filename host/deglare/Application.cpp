@@ -45,13 +45,13 @@ std::string PlotTitle(const std::string& input, const std::vector<FrameRecord>& 
 void CleanOrAnalyze(const Options& options, Console& console, std::ostream& out, const std::atomic<bool>* interrupted)
 {
     // What can be refused without reading anything is refused first.
-    if (!options.analyze) {
+    if (!options.analyze)
         VideoEncoder::FindEncoder(options.encoder.codec);
+    MediaInput::CheckReadable(options.input);
+    if (!options.analyze) {
+        TemporaryOutput::Check(options.output, options.input);
         OutputMuxer::FormatFor(options.output);
     }
-    MediaInput::CheckReadable(options.input);
-    if (!options.analyze)
-        TemporaryOutput::Check(options.output, options.input);
     for (const std::string* path : {&options.report, &options.plot})
         if (!path->empty())
             TemporaryOutput::Check(*path, options.input);

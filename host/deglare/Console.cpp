@@ -42,6 +42,20 @@ void Console::EndProgress()
     ClearProgressLocked();
 }
 
+void Console::NoteLibraryMessage(const std::string& text)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_libraryMessage = text;
+}
+
+std::string Console::TakeLibraryMessage()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    std::string text;
+    text.swap(m_libraryMessage);
+    return text;
+}
+
 void Console::ClearProgressLocked()
 {
     if (m_progressWidth == 0)

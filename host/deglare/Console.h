@@ -23,6 +23,12 @@ public:
     // Ends a progress line left open on a terminal.
     void EndProgress();
 
+    // FFmpeg's own complaints are not shown: the run reports causes in its own words. The last
+    // one is kept, to tell why an open or a write failed.
+    void NoteLibraryMessage(const std::string& text);
+    // The last complaint since the previous call; empty if none.
+    std::string TakeLibraryMessage();
+
 private:
     void ClearProgressLocked();
 
@@ -31,6 +37,7 @@ private:
     bool m_quiet;
     std::mutex m_mutex;
     size_t m_progressWidth = 0;
+    std::string m_libraryMessage;
 };
 
 } // namespace Deglare

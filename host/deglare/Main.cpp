@@ -19,7 +19,7 @@ extern "C" {
 namespace {
 // Set by Ctrl-C; the run watches it and stops cleanly.
 std::atomic<bool> s_interrupted{false};
-// Where FFmpeg's own complaints go, so that they don't tear the progress bar.
+// Where FFmpeg's own complaints go: kept aside, never printed over the run's own words.
 Deglare::Console* s_console = nullptr;
 
 extern "C" void OnInterrupt(int)
@@ -32,14 +32,16 @@ extern "C" void OnLibraryMessage(void* object, int level, const char* format, va
     if (level > av_log_get_level() || s_console == nullptr)
         return;
     thread_local std::string line;
-    thread_local int printPrefix = 1;
+    int printPrefix = 0;
     char text[1024];
+    // Without the "[codec @ address]" prefix: the text is the cause itself.
+    printPrefix = 0;
     av_log_format_line2(object, level, format, arguments, text, sizeof(text), &printPrefix);
     line += text;
     if (line.empty() || line.back() != '\n')
         return;
     line.pop_back();
-    s_console->Warn(line);
+    s_console->NoteLibraryMessage(line);
     line.clear();
 }
 } // namespace

@@ -98,11 +98,13 @@ VideoEncoder::VideoEncoder(const EncoderSettings& settings, const AVStream* inpu
         if (status >= 0)
             break;
     }
-    if (status < 0)
+    if (status < 0) {
+        const std::string cause = console.TakeLibraryMessage();
         throw Failure(ExitStatus::EncoderRefused,
                       settings.codec + ": refuses " + std::to_string(input->codecpar->width) + "x" +
                           std::to_string(input->codecpar->height) + " " + av_get_pix_fmt_name(format) + " video (" +
-                          AvErrorText(status) + ")");
+                          (cause.empty() ? AvErrorText(status) : cause) + ")");
+    }
     if (av_cmp_q(m_context->time_base, input->time_base) != 0)
         console.Warn(settings.codec + " can't keep the stream's time base; timestamps follow the frame rate");
     m_inputTimeBase = input->time_base;
