@@ -9,6 +9,7 @@
 
 #include "../host/deglare/BandFigures.h"
 #include "../host/deglare/DecodedFrame.h"
+#include "../host/deglare/DemoFootage.h"
 #include "../host/deglare/FlashRuns.h"
 #include "../host/deglare/FrameIndex.h"
 #include "../host/deglare/FrameNumbering.h"
@@ -398,6 +399,44 @@ TEST(DeglareFrameIndex, FindsFramesByTimestampInPresentationOrder)
     noTimes.Finish();
     EXPECT_FALSE(noTimes.Timed());
     EXPECT_EQ(noTimes.IndexOf(0), FrameIndex::kNotFound);
+}
+
+// The demo's clip holds the flashes it tells of: each one a jump of every band, or of the lower
+// bands only, and the lamp a jump that lasts.
+TEST(DeglareDemo, FootageHoldsTheFlashesItClaims)
+{
+    const auto bandsOf = [](int index) {
+        Picture picture(DemoFootage::kWidth, DemoFootage::kHeight);
+        DemoFootage::Paint(index, picture);
+        return MeasureBands(picture);
+    };
+    const auto rise = [](const BandFigures& from, const BandFigures& to, int band) {
+        return (to.band[band] - from.band[band]) / to.band[band];
+    };
+    const std::vector<DemoFootage::Event>& events = DemoFootage::Events();
+    ASSERT_EQ(events.size(), 4u);
+    for (const DemoFootage::Event& event : events) {
+        SCOPED_TRACE(event.what);
+        const BandFigures before = bandsOf(event.first - 1);
+        const BandFigures flashed = bandsOf(event.first);
+        const bool partial = std::string(event.what).find("partial") != std::string::npos;
+        for (int band = 0; band < 4; ++band) {
+            if (partial && band == 0)
+                EXPECT_LT(rise(before, flashed, band), 0.02f) << "band " << band;
+            else
+                EXPECT_GT(rise(before, flashed, band), 0.25f) << "band " << band;
+        }
+        if (event.last + 1 < DemoFootage::kFrameCount - 1 && std::string(event.what).find("lamp") == std::string::npos) {
+            const BandFigures after = bandsOf(event.last + 1);
+            for (int band = 0; band < 4; ++band)
+                EXPECT_LT(std::fabs(rise(before, after, band)), 0.03f) << "the scene comes back, band " << band;
+        }
+    }
+    // The lamp stays on to the end.
+    const BandFigures lampOn = bandsOf(events.back().first);
+    const BandFigures last = bandsOf(DemoFootage::kFrameCount - 1);
+    for (int band = 0; band < 4; ++band)
+        EXPECT_LT(std::fabs(rise(lampOn, last, band)), 0.03f);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "Demo.h"
 #include "EffectModule.h"
 #include "MediaInput.h"
 #include "FlashRuns.h"
@@ -42,7 +43,9 @@ std::string PlotTitle(const std::string& input, const std::vector<FrameRecord>& 
            std::to_string(replaced) + (replaced == 1 ? " frame replaced" : " frames replaced");
 }
 
-void CleanOrAnalyze(const Options& options, Console& console, std::ostream& out, const std::atomic<bool>* interrupted)
+} // namespace
+
+RunResult CleanFile(const Options& options, Console& console, const std::atomic<bool>* interrupted)
 {
     // What can be refused without reading anything is refused first.
     if (!options.analyze)
@@ -70,7 +73,7 @@ void CleanOrAnalyze(const Options& options, Console& console, std::ostream& out,
     run.memoryBudget = static_cast<size_t>(options.memoryMegabytes) << 20;
     run.interrupted = interrupted;
 
-    const RunResult result = Pipeline(module.Effect(), console).Run(run);
+    RunResult result = Pipeline(module.Effect(), console).Run(run);
 
     if (!options.report.empty()) {
         ReportContext context;
@@ -82,19 +85,23 @@ void CleanOrAnalyze(const Options& options, Console& console, std::ostream& out,
     }
     if (!options.plot.empty())
         WritePlot(options.plot, PlotTitle(options.input, result.frames), result.frames, options.input);
-    if (options.analyze)
-        for (const std::string& line : RunLines(result.frames))
-            out << line << '\n';
-    if (!options.quiet)
-        out << SummaryLine(result.frames, result.seconds) << std::endl;
+    return result;
 }
-} // namespace
 
 ExitStatus RunApplication(const Options& options, Console& console, std::ostream& out,
                           const std::atomic<bool>* interrupted)
 {
     try {
-        CleanOrAnalyze(options, console, out, interrupted);
+        if (options.demo) {
+            RunDemo(options, console, out, interrupted);
+            return ExitStatus::Success;
+        }
+        const RunResult result = CleanFile(options, console, interrupted);
+        if (options.analyze)
+            for (const std::string& line : RunLines(result.frames))
+                out << line << '\n';
+        if (!options.quiet)
+            out << SummaryLine(result.frames, result.seconds) << std::endl;
         return ExitStatus::Success;
     } catch (const Failure& failure) {
         console.Error(failure.what());

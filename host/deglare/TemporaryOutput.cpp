@@ -50,10 +50,13 @@ TemporaryOutput::TemporaryOutput(const std::string& output, const std::string& i
 {
     Check(output, input);
     const fs::path folder = FolderOf(output);
-    std::string pattern = (folder / ("." + fs::path(output).filename().string() + ".deglare-XXXXXX")).string();
+    // Hidden, unique, and with OUTPUT's extension, which tells what the file holds.
+    const std::string extension = fs::path(output).extension().string();
+    const std::string pattern =
+        (folder / ("." + fs::path(output).stem().string() + ".deglare-XXXXXX" + extension)).string();
     std::vector<char> name(pattern.begin(), pattern.end());
     name.push_back('\0');
-    const int descriptor = mkstemp(name.data());
+    const int descriptor = mkstemps(name.data(), static_cast<int>(extension.size()));
     if (descriptor < 0)
         throw Failure(ExitStatus::OutputFolderNotWritable,
                       output + ": can't write in " + folder.string() + " (" + std::strerror(errno) + ")");
