@@ -73,8 +73,10 @@ bool ScriptedEffect::Render(IVideoHost* host, FrameParams* source, FrameParams*,
     const bool timeAccess = (host->GetHostInfo().m_dwCaps & kHostCapsTimeAccess) != 0;
     const int index = info->nFrameIndex;
 
-    if (timeAccess)
-        for (int other : looksAt[index])
+    // Renders run on several threads at once: the script is only read.
+    auto looks = looksAt.find(index);
+    if (timeAccess && looks != looksAt.end())
+        for (int other : looks->second)
             Fetch(host, *info, other, *source, nullptr);
 
     CopyPicture(*source, *destination);
