@@ -360,8 +360,10 @@ TEST(DeglareMemory, PlanStaysInTheBudgetAndFourKFitsTwoGigabytes)
             EXPECT_LE(plan.plannedBytes, 1280 * megabyte) << "leaves the encoder its share of 2 GB";
         }
     }
-    // Small frames get a long window.
-    EXPECT_GT(PlanMemory(1024 * megabyte, 20000, 12288, 7712, 2).windowFrames, 1000);
+    // Small frames get the longest window, and no more.
+    const MemoryPlan small = PlanMemory(1024 * megabyte, 20000, 12288, 7712, 2);
+    EXPECT_EQ(small.windowFrames, 32);
+    EXPECT_FALSE(small.raised);
 }
 
 TEST(DeglareFrameIndex, FindsFramesByTimestampInPresentationOrder)

@@ -68,7 +68,8 @@ RunResult CleanFile(const Options& options, Console& console, const std::atomic<
     run.encoder.threads = options.threads;
     run.sequential = options.sequential;
     run.analyze = options.analyze;
-    run.measure = options.analyze || !options.report.empty() || !options.plot.empty();
+    // The effect measures for its decisions; the host measures only for a report or a plot.
+    run.measure = !options.report.empty() || !options.plot.empty();
     run.threads = options.threads;
     run.memoryBudget = static_cast<size_t>(options.memoryMegabytes) << 20;
     run.interrupted = interrupted;

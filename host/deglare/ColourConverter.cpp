@@ -14,6 +14,8 @@ namespace {
 const int kScaleFlags = SWS_BILINEAR;
 const size_t kMostIdleScalers = 16;
 const int kHighDefinitionRows = 720;
+// Enough to recycle the pictures of a full window.
+const size_t kMostKeptPictures = 96;
 
 bool IsRgb(int format)
 {
@@ -58,6 +60,13 @@ bool ColourConverter::Setup::operator==(const Setup& other) const
            destinationHeight == other.destinationHeight && destinationFormat == other.destinationFormat &&
            sourceMatrix == other.sourceMatrix && sourceFullRange == other.sourceFullRange &&
            destinationMatrix == other.destinationMatrix && destinationFullRange == other.destinationFullRange;
+}
+
+ColourConverter::ColourConverter() : m_pictures(std::make_shared<PicturePool>(kMostKeptPictures)) {}
+
+std::unique_ptr<Picture> ColourConverter::NewPicture(int width, int height)
+{
+    return std::make_unique<Picture>(width, height, m_pictures);
 }
 
 ColourConverter::~ColourConverter()

@@ -1,4 +1,5 @@
 #pragma once
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -12,10 +13,13 @@ namespace Deglare {
 // number of threads may convert at once: each conversion borrows a scaler of its own.
 class ColourConverter {
 public:
-    ColourConverter() = default;
+    ColourConverter();
     ColourConverter(const ColourConverter&) = delete;
     ColourConverter& operator=(const ColourConverter&) = delete;
     ~ColourConverter();
+
+    // A BGRA picture for conversions, from memory that pictures of the run give back.
+    std::unique_ptr<Picture> NewPicture(int width, int height);
 
     // `frame` into `picture`, scaled to the picture's size if the two differ.
     void ToBgra(const AVFrame* frame, Picture& picture);
@@ -44,6 +48,7 @@ private:
 
     std::mutex m_mutex;
     std::vector<Scaler> m_idle;
+    std::shared_ptr<PicturePool> m_pictures;
 };
 
 } // namespace Deglare

@@ -11,7 +11,7 @@ DecodedFrame::DecodedFrame(int index, FrameRef original) : m_index(index), m_ori
 const Picture& DecodedFrame::Bgra(ColourConverter& converter, int width, int height) const
 {
     std::call_once(m_converted, [&] {
-        auto picture = std::make_unique<Picture>(width, height);
+        std::unique_ptr<Picture> picture = converter.NewPicture(width, height);
         converter.ToBgra(m_original.get(), *picture);
         m_bgra = std::move(picture);
     });

@@ -81,7 +81,7 @@ FrameOutcome FrameRenderer::Render(const FramePtr& frame)
 FrameRenderer::Rendered FrameRenderer::RenderNormal(const FramePtr& frame, const Picture& source)
 {
     if (!m_normalDestination)
-        m_normalDestination = std::make_unique<Picture>(m_shape.width, m_shape.height);
+        m_normalDestination = m_converter.NewPicture(m_shape.width, m_shape.height);
     RenderCall call;
     Rendered result;
     if (!RenderInto(m_normalHost, frame, source, *m_normalDestination, call)) {
@@ -98,7 +98,7 @@ FrameRenderer::Rendered FrameRenderer::RenderNormal(const FramePtr& frame, const
 Mark FrameRenderer::RenderTest(const FramePtr& frame, const Picture& source)
 {
     if (!m_testDestination)
-        m_testDestination = std::make_unique<Picture>(m_shape.width, m_shape.height);
+        m_testDestination = m_converter.NewPicture(m_shape.width, m_shape.height);
     RenderCall call;
     if (!RenderInto(m_testHost, frame, source, *m_testDestination, call))
         return Mark::None;

@@ -11,6 +11,9 @@ const int kLeastAhead = 8;
 const int kMostBehind = 8;
 const int kLeastBehind = 2;
 const int kFarFrames = 2;
+// Scans rarely look further ahead than this; more frames would only cost memory, and fresh
+// memory for every frame held.
+const int kMostWindow = 32;
 } // namespace
 
 MemoryPlan PlanMemory(size_t budget, size_t frameBytes, size_t pictureBytes, size_t outcomeBytes, int renderThreads)
@@ -25,6 +28,7 @@ MemoryPlan PlanMemory(size_t budget, size_t frameBytes, size_t pictureBytes, siz
     int window = 0;
     if (budget > fixedBytes && frameBytes > 0)
         window = static_cast<int>(std::min<size_t>((budget - fixedBytes) / frameBytes, 1 << 20));
+    window = std::min(window, std::max(kMostWindow, leastWindow));
     if (window < leastWindow) {
         window = leastWindow;
         plan.raised = true;

@@ -21,14 +21,19 @@ int SpanFor(int width)
 
 void Picture::Free::operator()(uint8_t* pixels) const
 {
-    av_free(pixels);
+    if (pool)
+        pool->Give(pixels, bytes);
+    else
+        av_free(pixels);
 }
 
-Picture::Picture(int width, int height) : m_width(width), m_height(height), m_span(SpanFor(width))
+Picture::Picture(int width, int height, std::shared_ptr<PicturePool> pool)
+    : m_width(width), m_height(height), m_span(SpanFor(width)), m_pixels(nullptr, Free{pool, Bytes()})
 {
-    m_pixels.reset(static_cast<uint8_t*>(av_malloc(Bytes())));
-    if (!m_pixels)
+    uint8_t* pixels = pool ? pool->Take(Bytes()) : static_cast<uint8_t*>(av_malloc(Bytes()));
+    if (pixels == nullptr)
         throw std::bad_alloc();
+    m_pixels.reset(pixels);
 }
 
 size_t Picture::BytesFor(int width, int height)

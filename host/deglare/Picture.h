@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "../../include/FrameParams.h"
+#include "PicturePool.h"
 
 namespace Deglare {
 
@@ -11,7 +12,8 @@ namespace Deglare {
 // on a 64-byte boundary.
 class Picture {
 public:
-    Picture(int width, int height);
+    // Memory from `pool` when one is given, else its own.
+    Picture(int width, int height, std::shared_ptr<PicturePool> pool = nullptr);
     Picture(const Picture&) = delete;
     Picture& operator=(const Picture&) = delete;
     Picture(Picture&&) = default;
@@ -36,6 +38,8 @@ public:
 
 private:
     struct Free {
+        std::shared_ptr<PicturePool> pool;
+        size_t bytes;
         void operator()(uint8_t* pixels) const;
     };
     int m_width;
