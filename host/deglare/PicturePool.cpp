@@ -1,17 +1,36 @@
 #include "PicturePool.h"
 
+#include <sys/mman.h>
+
+#include <cstdlib>
 #include <new>
 
-extern "C" {
-#include <libavutil/mem.h>
-}
-
 namespace Deglare {
+
+namespace {
+// Pictures of a few megabytes go on huge pages where the system offers them: a page fault
+// for every 4 KB of a new picture costs more than converting into it.
+const size_t kHugePage = size_t(2) << 20;
+const size_t kSmallAlignment = 64;
+
+uint8_t* Allocate(size_t bytes)
+{
+    const bool huge = bytes >= kHugePage;
+    const size_t alignment = huge ? kHugePage : kSmallAlignment;
+    const size_t rounded = (bytes + alignment - 1) / alignment * alignment;
+    void* pixels = std::aligned_alloc(alignment, rounded);
+    if (pixels == nullptr)
+        throw std::bad_alloc();
+    if (huge)
+        madvise(pixels, rounded, MADV_HUGEPAGE);
+    return static_cast<uint8_t*>(pixels);
+}
+} // namespace
 
 PicturePool::~PicturePool()
 {
     for (auto& kept : m_kept)
-        av_free(kept.second);
+        std::free(kept.second);
 }
 
 uint8_t* PicturePool::Take(size_t bytes)
@@ -25,10 +44,7 @@ uint8_t* PicturePool::Take(size_t bytes)
                 return pixels;
             }
     }
-    auto* pixels = static_cast<uint8_t*>(av_malloc(bytes));
-    if (pixels == nullptr)
-        throw std::bad_alloc();
-    return pixels;
+    return Allocate(bytes);
 }
 
 void PicturePool::Give(uint8_t* pixels, size_t bytes)
@@ -40,7 +56,7 @@ void PicturePool::Give(uint8_t* pixels, size_t bytes)
             return;
         }
     }
-    av_free(pixels);
+    std::free(pixels);
 }
 
 } // namespace Deglare

@@ -18,7 +18,7 @@ public:
     PicturePool(const PicturePool&) = delete;
     PicturePool& operator=(const PicturePool&) = delete;
 
-    // Memory of `bytes`, 64-byte aligned; throws std::bad_alloc.
+    // Memory of `bytes`, at least 64-byte aligned; throws std::bad_alloc.
     uint8_t* Take(size_t bytes);
     // Back into the pool, or freed when the pool holds enough.
     void Give(uint8_t* pixels, size_t bytes);
