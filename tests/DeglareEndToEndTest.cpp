@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <regex>
 
 #include "DeglareTestSupport.h"
 
@@ -266,15 +267,22 @@ TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
         ASSERT_GT(largest, 64);
     }
     std::string bytes = ReadFile(input);
-    for (int offset = 0; offset < 48; ++offset)
+    for (int offset = 0; offset < 160; ++offset)
         bytes[position + offset] = static_cast<char>(0x5A ^ offset);
     WriteFile(input, bytes);
 
     const std::string output = folder.Path("out.mkv");
     const ProgramRun run = RunDeglare({input, output, "--codec", "ffv1", "--quiet"});
     ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_NE(run.err.find("warning"), std::string::npos) << run.err;
-    EXPECT_NE(run.err.find("frame " + std::to_string(damaged)), std::string::npos) << run.err;
+    // The warning names the frame, or the few frames that were in the decoder together.
+    bool named = false;
+    const std::regex where("warning: .*clip.mkv: frames? ([0-9]+)(-([0-9]+))?: ");
+    for (std::sregex_iterator match(run.err.begin(), run.err.end(), where), end; match != end; ++match) {
+        const int first = std::stoi((*match)[1]);
+        const int last = (*match)[3].matched ? std::stoi((*match)[3]) : first;
+        named = named || (first <= damaged && damaged <= last && last - first < 8);
+    }
+    EXPECT_TRUE(named) << "frame " << damaged << " isn't named in: " << run.err;
     const ReadClip after = ReadBack(output);
     EXPECT_GE(after.frames.size(), static_cast<size_t>(spec.frameCount - 1));
 }

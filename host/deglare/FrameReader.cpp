@@ -1,10 +1,12 @@
 #include "FrameReader.h"
 
+#include <algorithm>
+
 namespace Deglare {
 
 FrameReader::FrameReader(std::unique_ptr<MediaInput> input, const FrameIndex& index, int threads)
     : m_input(std::move(input)), m_index(index), m_threads(threads),
-      m_decoder(std::make_unique<VideoDecoder>(m_input->Video(), threads)), m_numbering(index),
+      m_decoder(std::make_unique<VideoDecoder>(m_input->Video(), threads, &m_watch)), m_numbering(index),
       m_packet(AllocatePacket())
 {
     m_input->ReadVideoOnly();
@@ -48,6 +50,8 @@ bool FrameReader::Feed()
             continue;
         }
         const int64_t pts = m_packet->pts;
+        const int sentIndex = m_index.IndexOf(pts);
+        m_newestSent = std::max(m_newestSent, sentIndex != FrameIndex::kNotFound ? sentIndex : m_newestSent + 1);
         const int status = m_decoder->Send(m_packet.get());
         av_packet_unref(m_packet.get());
         if (status < 0 && status != AVERROR(EAGAIN))
@@ -71,8 +75,10 @@ FramePtr FrameReader::Next()
                 return nullptr;
             continue;
         }
-        if (status == AVERROR_EOF)
+        if (status == AVERROR_EOF) {
+            CheckComplaints(m_newestSent);
             return nullptr;
+        }
         if (status < 0) {
             ReportDamage(Where(AV_NOPTS_VALUE) + ": a picture couldn't be decoded (" + AvErrorText(status) +
                          "), decoding goes on past it");
@@ -85,10 +91,31 @@ FramePtr FrameReader::Next()
             continue;
         }
         m_lastNumbered = number;
-        if ((frame->flags & AV_FRAME_FLAG_CORRUPT) != 0 || frame->decode_error_flags != 0)
+        if ((frame->flags & AV_FRAME_FLAG_CORRUPT) != 0 || frame->decode_error_flags != 0) {
             ReportDamage("frame " + std::to_string(number) + ": damaged picture, decoded as far as it goes");
+            // The decoder's complaints about it are told.
+            m_complaintsSeen = m_watch.Count();
+        }
+        CheckComplaints(number);
         return std::make_shared<DecodedFrame>(number, std::move(frame));
     }
+}
+
+// Frames come out in order once decoded, and a decoder complains while it decodes. So a
+// complaint heard since the last check came from a frame after the one that came out then, up
+// to the newest one sent; `upTo` is the frame just out, or the newest sent at the end.
+void FrameReader::CheckComplaints(int upTo)
+{
+    const long complaints = m_watch.Count();
+    if (complaints != m_complaintsSeen) {
+        m_complaintsSeen = complaints;
+        const int first = m_checkedUpTo + 1;
+        const int last = std::max(first, std::max(upTo, m_newestSent));
+        const std::string frames = first == last ? "frame " + std::to_string(first)
+                                                 : "frames " + std::to_string(first) + "-" + std::to_string(last);
+        ReportDamage(frames + ": the decoder met damaged data (" + m_watch.Last() + "); decoding goes on past it");
+    }
+    m_checkedUpTo = std::max(m_checkedUpTo, upTo);
 }
 
 bool FrameReader::SeekBefore(int index)
@@ -99,6 +126,9 @@ bool FrameReader::SeekBefore(int index)
     m_decoder->Flush();
     m_draining = false;
     m_numbering.StartAfterSeek();
+    m_newestSent = index - 1;
+    m_checkedUpTo = index - 1;
+    m_complaintsSeen = m_watch.Count();
     return true;
 }
 
@@ -106,11 +136,14 @@ void FrameReader::Restart()
 {
     auto input = std::make_unique<MediaInput>(m_input->Path());
     input->ReadVideoOnly();
-    m_decoder = std::make_unique<VideoDecoder>(input->Video(), m_threads);
+    m_decoder = std::make_unique<VideoDecoder>(input->Video(), m_threads, &m_watch);
     m_input = std::move(input);
     m_otherPackets = nullptr;
     m_draining = false;
     m_lastNumbered = -1;
+    m_newestSent = -1;
+    m_checkedUpTo = -1;
+    m_complaintsSeen = m_watch.Count();
     m_numbering.StartAtBeginning();
 }
 

@@ -39,11 +39,13 @@ public:
 private:
     bool Feed();
     void ReportDamage(const std::string& text);
+    void CheckComplaints(int upTo);
     std::string Where(int64_t pts) const;
 
     std::unique_ptr<MediaInput> m_input;
     const FrameIndex& m_index;
     int m_threads;
+    DamageWatch m_watch;
     std::unique_ptr<VideoDecoder> m_decoder;
     FrameNumbering m_numbering;
     PacketRef m_packet;
@@ -51,6 +53,9 @@ private:
     DamageReport m_damage;
     bool m_draining = false;
     int m_lastNumbered = -1;
+    int m_newestSent = -1;          // the highest frame index whose packet went to the decoder
+    int m_checkedUpTo = -1;         // complaints up to here are accounted for
+    long m_complaintsSeen = 0;
     long m_decoded = 0;
 };
 

@@ -13,6 +13,7 @@ extern "C" {
 
 #include "Application.h"
 #include "Console.h"
+#include "DamageWatch.h"
 #include "ExitStatus.h"
 #include "Options.h"
 
@@ -41,7 +42,7 @@ extern "C" void OnLibraryMessage(void* object, int level, const char* format, va
     if (line.empty() || line.back() != '\n')
         return;
     line.pop_back();
-    s_console->NoteLibraryMessage(line);
+    Deglare::RouteLibraryMessage(object, level, line, *s_console);
     line.clear();
 }
 } // namespace

@@ -4,7 +4,7 @@
 
 namespace Deglare {
 
-VideoDecoder::VideoDecoder(const AVStream* stream, int threads)
+VideoDecoder::VideoDecoder(const AVStream* stream, int threads, DamageWatch* watch)
 {
     const AVCodec* codec = avcodec_find_decoder(stream->codecpar->codec_id);
     if (codec == nullptr)
@@ -18,6 +18,7 @@ VideoDecoder::VideoDecoder(const AVStream* stream, int threads)
     m_context->pkt_timebase = stream->time_base;
     m_context->thread_count = threads;
     m_context->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+    m_context->opaque = watch;
     status = avcodec_open2(m_context.get(), codec, nullptr);
     if (status < 0)
         throw std::runtime_error(std::string("can't open the ") + codec->name + " decoder: " + AvErrorText(status));

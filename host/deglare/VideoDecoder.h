@@ -1,13 +1,14 @@
 #pragma once
 #include "AvSupport.h"
+#include "DamageWatch.h"
 
 namespace Deglare {
 
 // The decoder of one video stream, with FFmpeg's send-and-receive protocol.
 class VideoDecoder {
 public:
-    // `threads` 0 lets the decoder choose.
-    VideoDecoder(const AVStream* stream, int threads);
+    // `threads` 0 lets the decoder choose; `watch`, when given, hears its complaints.
+    VideoDecoder(const AVStream* stream, int threads, DamageWatch* watch = nullptr);
 
     // Feeds one packet, or the end of the stream with null. A negative result is the decoder's
     // complaint about damaged data; the packet is then lost and decoding goes on.
