@@ -5,8 +5,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
-#include <regex>
+
+#include <cairo.h>
+#include <nlohmann/json.hpp>
+#include <signal.h>
+#include <sstream>
 
 #include "DeglareTestSupport.h"
 
@@ -276,11 +281,17 @@ TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
     ASSERT_EQ(run.status, 0) << run.err;
     // The warning names the frame, or the few frames that were in the decoder together.
     bool named = false;
-    const std::regex where("warning: .*clip.mkv: frames? ([0-9]+)(-([0-9]+))?: ");
-    for (std::sregex_iterator match(run.err.begin(), run.err.end(), where), end; match != end; ++match) {
-        const int first = std::stoi((*match)[1]);
-        const int last = (*match)[3].matched ? std::stoi((*match)[3]) : first;
-        named = named || (first <= damaged && damaged <= last && last - first < 8);
+    std::istringstream lines(run.err);
+    for (std::string line; std::getline(lines, line);) {
+        const size_t at = line.find("clip.mkv: frame");
+        int first = -1, last = -1;
+        if (line.rfind("deglare: warning: ", 0) != 0 || at == std::string::npos)
+            continue;
+        const char* where = line.c_str() + at;
+        if (std::sscanf(where, "clip.mkv: frames %d-%d:", &first, &last) != 2 &&
+            std::sscanf(where, "clip.mkv: frame %d:", &first) == 1)
+            last = first;
+        named = named || (first >= 0 && first <= damaged && damaged <= last && last - first < 8);
     }
     EXPECT_TRUE(named) << "frame " << damaged << " isn't named in: " << run.err;
     const ReadClip after = ReadBack(output);
@@ -323,4 +334,86 @@ TEST(DeglareEndToEnd, PresetsComeFromTheEffect)
         EXPECT_TRUE(has("\"maxFrames\": " + std::to_string(test.maxFrames) + ",")) << text.substr(0, 300);
         EXPECT_TRUE(has(std::string("\"testMode\": ") + (test.testMode ? "true" : "false"))) << text.substr(0, 300);
     }
+}
+
+// The report and the plot come out well-formed in each of their forms, beside the video or
+// from an analysis.
+TEST(DeglareEndToEnd, ReportsAndPlotsAreWellFormed)
+{
+    TempFolder folder;
+    ClipSpec spec;
+    spec.frameCount = 12;
+    const std::string input = folder.Path("clip.mkv");
+    WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+
+    const ProgramRun clean = RunDeglare({input, folder.Path("out.mkv"), "--codec", "ffv1", "--report",
+                                         folder.Path("report.json"), "--plot", folder.Path("plot.png")});
+    ASSERT_EQ(clean.status, 0) << clean.err;
+    EXPECT_NE(clean.out.find("12 frames read, 0 flashes found, 0 frames replaced"), std::string::npos) << clean.out;
+    const ProgramRun analysis = RunDeglare({input, "--analyze", "--quiet", "--report", folder.Path("report.csv"),
+                                            "--plot", folder.Path("plot.svg")});
+    ASSERT_EQ(analysis.status, 0) << analysis.err;
+    EXPECT_EQ(analysis.out, "");
+
+    const nlohmann::json report = nlohmann::json::parse(ReadFile(folder.Path("report.json")));
+    EXPECT_EQ(report["input"], input);
+    EXPECT_EQ(report["summary"]["framesRead"], 12);
+    ASSERT_EQ(report["frames"].size(), 12u);
+    for (size_t index = 0; index < 12; ++index) {
+        const nlohmann::json& frame = report["frames"][index];
+        EXPECT_EQ(frame["index"], index);
+        EXPECT_NEAR(frame["time"].get<double>(), index / 25.0, 1e-9);
+        ASSERT_EQ(frame["bands"].size(), 4u);
+        float sum = 0.0f;
+        for (const auto& band : frame["bands"])
+            sum += band.get<float>();
+        EXPECT_NEAR(frame["sum"].get<double>(), sum, 1e-5);
+        EXPECT_EQ(frame["decision"], "kept");
+    }
+    EXPECT_TRUE(report["runs"].is_array());
+
+    std::istringstream csv(ReadFile(folder.Path("report.csv")));
+    std::string line;
+    std::getline(csv, line);
+    EXPECT_EQ(line, "index,time,band0,band1,band2,band3,sum,decision,substitute");
+    int rows = 0;
+    while (std::getline(csv, line) && !line.empty()) {
+        EXPECT_EQ(std::count(line.begin(), line.end(), ','), 8) << line;
+        EXPECT_EQ(line.rfind(std::to_string(rows) + ",", 0), 0u) << line;
+        ++rows;
+    }
+    EXPECT_EQ(rows, 12);
+    std::getline(csv, line);
+    EXPECT_EQ(line, "run,first,last,replaced,spared");
+
+    cairo_surface_t* png = cairo_image_surface_create_from_png(folder.Path("plot.png").c_str());
+    EXPECT_EQ(cairo_surface_status(png), CAIRO_STATUS_SUCCESS);
+    EXPECT_EQ(cairo_image_surface_get_width(png), 1200);
+    EXPECT_EQ(cairo_image_surface_get_height(png), 520);
+    cairo_surface_destroy(png);
+    const std::string svg = ReadFile(folder.Path("plot.svg"));
+    EXPECT_EQ(svg.rfind("<?xml", 0), 0u);
+    EXPECT_NE(svg.find("<svg"), std::string::npos);
+    EXPECT_NE(svg.find("</svg>"), std::string::npos);
+}
+
+// Ctrl-C in the middle of a run leaves neither OUTPUT nor the temporary file.
+TEST(DeglareEndToEnd, InterruptionLeavesNothingBehind)
+{
+    TempFolder folder;
+    ClipSpec spec;
+    spec.width = 320;
+    spec.height = 240;
+    spec.frameCount = 250;
+    const std::string input = folder.Path("clip.mkv");
+    WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+    const std::string output = folder.Path("out.mp4");
+    const pid_t child = StartDeglare({input, output, "--quiet", "--threads", "1"});
+    // Once the temporary file is there the run is under way.
+    for (int wait = 0; wait < 500 && folder.Files().size() < 2; ++wait)
+        usleep(10000);
+    ASSERT_EQ(folder.Files().size(), 2u) << "the run never started writing";
+    kill(child, SIGINT);
+    EXPECT_EQ(WaitForDeglare(child), 130);
+    EXPECT_EQ(folder.Files(), std::vector<std::string>{"clip.mkv"});
 }

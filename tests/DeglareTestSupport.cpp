@@ -145,12 +145,12 @@ std::vector<int> ShownFrames(const ReadClip& output, const ReadClip& input)
     return shown;
 }
 
-ProgramRun RunDeglare(const std::vector<std::string>& arguments, long fileSizeLimit, const std::string& workingFolder)
+namespace {
+// Starts the program with its output going to the two files; everything the child needs is
+// made before the fork, so that it only calls what is safe there.
+pid_t Spawn(const std::vector<std::string>& arguments, const std::string& outPath, const std::string& errPath,
+            long fileSizeLimit, const std::string& workingFolder)
 {
-    TempFolder captures;
-    const std::string outPath = captures.Path("out");
-    const std::string errPath = captures.Path("err");
-    // Everything the child needs is made before the fork: it only calls what is safe there.
     std::vector<char*> argv;
     argv.push_back(const_cast<char*>(DEGLARE_PROGRAM));
     for (const std::string& argument : arguments)
@@ -173,13 +173,31 @@ ProgramRun RunDeglare(const std::vector<std::string>& arguments, long fileSizeLi
         execv(DEGLARE_PROGRAM, argv.data());
         _exit(127);
     }
+    return child;
+}
+} // namespace
+
+ProgramRun RunDeglare(const std::vector<std::string>& arguments, long fileSizeLimit, const std::string& workingFolder)
+{
+    TempFolder captures;
+    const pid_t child = Spawn(arguments, captures.Path("out"), captures.Path("err"), fileSizeLimit, workingFolder);
     ProgramRun run;
-    int status = 0;
-    waitpid(child, &status, 0);
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    run.out = ReadFile(outPath);
-    run.err = ReadFile(errPath);
+    run.status = WaitForDeglare(child);
+    run.out = ReadFile(captures.Path("out"));
+    run.err = ReadFile(captures.Path("err"));
     return run;
+}
+
+int StartDeglare(const std::vector<std::string>& arguments)
+{
+    return Spawn(arguments, "/dev/null", "/dev/null", 0, "");
+}
+
+int WaitForDeglare(int process)
+{
+    int status = 0;
+    waitpid(process, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 bool FileExists(const std::string& path)

@@ -71,6 +71,10 @@ struct ProgramRun {
 ProgramRun RunDeglare(const std::vector<std::string>& arguments, long fileSizeLimit = 0,
                       const std::string& workingFolder = "");
 
+// The program started with its output discarded, and its exit status when it ends.
+int StartDeglare(const std::vector<std::string>& arguments);
+int WaitForDeglare(int process);
+
 bool FileExists(const std::string& path);
 std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& content);

@@ -47,6 +47,22 @@ extern "C" void OnLibraryMessage(void* object, int level, const char* format, va
 }
 } // namespace
 
+#if defined(__SANITIZE_ADDRESS__)
+// Under the leak checker: what libraries lose on their own failure paths (libx264 when it
+// refuses a picture size) or keep for the life of the process (fontconfig, under Cairo's text)
+// is theirs, not this program's.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions()
+{
+    return "leak:libx264.so\nleak:libfontconfig.so\n";
+}
+
+// ... and the tally of those doesn't belong on the program's standard error.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_options()
+{
+    return "print_suppressions=0";
+}
+#endif
+
 int main(int argc, char** argv)
 {
     using namespace Deglare;
