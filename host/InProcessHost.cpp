@@ -181,6 +181,8 @@ ULONG InProcessHost::Release()
 
 bool InProcessHost::GetParamValue(uint32_t index, EffectParam* value, uint32_t type)
 {
+    if (m_paramReadHook)
+        m_paramReadHook();
     std::lock_guard<std::mutex> lock(m_mutex);
     ++m_paramReads;
     if (value == nullptr || index >= kParamCount) {

@@ -1,5 +1,6 @@
 #pragma once
 #include <atomic>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
@@ -36,6 +37,9 @@ public:
     bool ApplyPreset(IVideoEffect* effect, unsigned int preset);
 
     void SetUndeliverable(int index, bool undeliverable = true);
+    // Called at each parameter read, outside the host's own lock: tests use it to see which
+    // renders run at the same time.
+    void SetParamReadHook(std::function<void()> hook) { m_paramReadHook = std::move(hook); }
     void SetTimeAccess(bool on) { m_options.timeAccess = on; }
     void SetInstanceId(uint32_t id) { m_options.instanceId = id; }
 
@@ -81,6 +85,7 @@ private:
     Options m_options;
     EffectParam m_params[3];
     std::set<int> m_undeliverable;
+    std::function<void()> m_paramReadHook;
     char m_hostName[32];
 
     mutable std::mutex m_mutex;

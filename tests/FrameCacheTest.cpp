@@ -1,0 +1,205 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "../Common/EffectsLibCacheMT.h"
+#include "../platform/MonotonicClock.h"
+
+namespace {
+
+// A record with a neutral default, like the effect's own.
+struct Tag {
+    int index = -1;
+    float value = 0.0f;
+};
+
+std::atomic<uint64_t> g_now{5000};
+uint64_t ManualClock() { return g_now.load(); }
+
+class ManualTime {
+public:
+    ManualTime() { Platform::SetMillisecondSourceForTesting(&ManualClock); }
+    ~ManualTime() { Platform::SetMillisecondSourceForTesting(nullptr); }
+    void Set(uint64_t now) { g_now = now; }
+    void Advance(uint64_t ms) { g_now += ms; }
+};
+
+// A picture of `width` x `height` BGRA bytes whose every byte is `fill`.
+struct Pixels {
+    Pixels(int width, int height, uint8_t fill) : bytes(width * height * 4, fill)
+    {
+        frame.Init(bytes.data(), width, height, width * 4, 4, pfVideoSample, false);
+    }
+    std::vector<uint8_t> bytes;
+    CFrame frame;
+};
+
+TEST(FrameCache, NewCacheIsEmptyAndOutOfRangeSlotsAnswerWithSharedNeutrals)
+{
+    CEffectsLibCache<Tag> cache(2);
+    EXPECT_EQ(cache.GetFrame(0).m_pBuffer, nullptr);
+    EXPECT_EQ(cache.UserData(0).index, -1);
+    EXPECT_EQ(cache.UserData(1).value, 0.0f);
+    EXPECT_EQ(&cache.UserData(2), &cache.UserData(7));
+    EXPECT_EQ(cache.UserData(2).index, -1);
+    EXPECT_EQ(&cache.GetFrame(2), &cache.GetFrame(99));
+    EXPECT_EQ(cache.GetFrame(2).m_pBuffer, nullptr);
+    EXPECT_EQ(cache.m_nPresetCount, 0xFFFFFFFFu);
+    for (const EffectParam& entry : cache.m_Preset) {
+        EXPECT_EQ(entry.dwType, 5u);
+        for (uint8_t byte : entry.value.bytes)
+            ASSERT_EQ(byte, 0xFF);
+    }
+
+    CEffectsLibCache<Tag> none(0);   // no storage: every operation does nothing
+    Pixels picture(3, 3, 7);
+    Tag tag{4, 1.0f};
+    none.SetFrame(picture.frame, 0, &tag);
+    EXPECT_EQ(none.GetFrame(0).m_pBuffer, nullptr);
+    none.Reset(0xFFFFFFFF);
+}
+
+TEST(FrameCache, SetFrameCopiesReusesAndEmpties)
+{
+    CEffectsLibCache<Tag> cache(2);
+    Pixels first(5, 4, 0x11);
+    Tag tag{10, 0.5f};
+    cache.SetFrame(first.frame, 1, &tag);
+    CFrame& slot = cache.GetFrame(1);
+    ASSERT_NE(slot.m_pBuffer, nullptr);
+    EXPECT_NE(slot.m_pBuffer, first.frame.m_pBuffer);   // a copy, not a wrapper
+    EXPECT_TRUE(slot.m_bLocalAlloc);
+    EXPECT_EQ(slot.m_pBuffer[5 * 4 - 1], 0x11);
+    EXPECT_EQ(cache.UserData(1).index, 10);
+
+    // Same size: the slot's memory is reused; a null record keeps the old one.
+    unsigned char* memory = slot.m_pBuffer;
+    Pixels second(5, 4, 0x22);
+    cache.SetFrame(second.frame, 1, nullptr);
+    EXPECT_EQ(cache.GetFrame(1).m_pBuffer, memory);
+    EXPECT_EQ(cache.GetFrame(1).m_pBuffer[0], 0x22);
+    EXPECT_EQ(cache.UserData(1).index, 10);
+
+    // Another size: new memory of the new size.
+    Pixels bigger(9, 2, 0x33);
+    Tag biggerTag{11, 0.25f};
+    cache.SetFrame(bigger.frame, 1, &biggerTag);
+    EXPECT_EQ(cache.GetFrame(1).m_nWidth, 9);
+    EXPECT_EQ(cache.GetFrame(1).m_pBuffer[9 * 4 - 1], 0x33);
+    EXPECT_EQ(cache.UserData(1).index, 11);
+
+    // An empty frame empties the slot even with a record given.
+    CFrame empty;
+    cache.SetFrame(empty, 1, &tag);
+    EXPECT_EQ(cache.GetFrame(1).m_pBuffer, nullptr);
+    EXPECT_EQ(cache.UserData(1).index, -1);
+
+    cache.SetFrame(first.frame, 2, &tag);   // out of range: nothing
+    EXPECT_EQ(cache.UserData(2).index, -1);
+}
+
+TEST(FrameCache, ResetClearsSlotsAndPresetButNotItsCount)
+{
+    CEffectsLibCache<Tag> cache(2);
+    Pixels picture(2, 2, 9);
+    Tag tag{3, 2.0f};
+    cache.SetFrame(picture.frame, 0, &tag);
+    cache.SetFrame(picture.frame, 1, &tag);
+    cache.m_nPresetCount = 3;
+    cache.m_Preset[0].dwType = 2;
+    cache.m_Preset[0].value.fValue = 0.5f;
+
+    cache.Reset(5);   // out of range: nothing
+    EXPECT_EQ(cache.UserData(0).index, 3);
+    cache.Reset(0);
+    EXPECT_EQ(cache.GetFrame(0).m_pBuffer, nullptr);
+    EXPECT_EQ(cache.UserData(1).index, 3);
+    EXPECT_EQ(cache.m_Preset[0].dwType, 2u);
+    cache.Reset(0xFFFFFFFF);
+    EXPECT_EQ(cache.GetFrame(1).m_pBuffer, nullptr);
+    EXPECT_EQ(cache.UserData(1).index, -1);
+    EXPECT_EQ(cache.m_Preset[0].dwType, 5u);
+    EXPECT_EQ(cache.m_nPresetCount, 3u);
+    cache.Release();
+    cache.Release();
+    EXPECT_EQ(cache.m_nSlotCount, 0u);
+}
+
+TEST(FrameCacheMT, KeysKeepApartAndCreateOnlyWhenAsked)
+{
+    ManualTime time;
+    CEffectsLibCacheMT<Tag> wrapper(2);
+    CCritSectLock lock(wrapper.m_Lock);
+    wrapper.m_nCacheKey = 7;
+    EXPECT_EQ(wrapper.GetCacheForCurrentThread(false).m_pCache, nullptr);
+    EXPECT_TRUE(wrapper.m_Caches.empty());
+    CEffectsLibCache<Tag>* seven = wrapper.GetCacheForCurrentThread(true).m_pCache;
+    ASSERT_NE(seven, nullptr);
+    EXPECT_EQ(seven->m_nSlotCount, 2u);
+    wrapper.m_nCacheKey = 8;
+    CEffectsLibCache<Tag>* eight = wrapper.GetCacheForCurrentThread(true).m_pCache;
+    EXPECT_NE(seven, eight);
+    wrapper.m_nCacheKey = 7;
+    EXPECT_EQ(wrapper.GetCacheForCurrentThread(false).m_pCache, seven);
+    EXPECT_EQ(wrapper.m_Caches.size(), 2u);
+
+    CacheInfo<Tag> loose = wrapper.CreateNewCache(3);   // not added to the wrapper
+    EXPECT_EQ(loose.m_nKey, 3u);
+    EXPECT_EQ(wrapper.m_Caches.size(), 2u);
+    delete loose.m_pCache;
+}
+
+TEST(FrameCacheMT, CachesExpireStrictlyAfterTenSecondsAcrossClockWrap)
+{
+    ManualTime time;
+    // Starts just below the 32-bit wrap of the millisecond count, so the ages cross it.
+    const uint64_t start = 0xFFFFFFFFull - 3000;
+    struct Case {
+        uint64_t pause;
+        bool survives;
+    };
+    for (const Case& c : {Case{10000, true}, Case{10001, false}, Case{9999, true}, Case{60000, false}}) {
+        time.Set(start);
+        CEffectsLibCacheMT<Tag> wrapper(2);
+        CCritSectLock lock(wrapper.m_Lock);
+        wrapper.m_nCacheKey = 1;
+        CEffectsLibCache<Tag>* cache = wrapper.GetCacheForCurrentThread(true).m_pCache;
+        Pixels picture(2, 2, 1);
+        Tag tag{5, 1.0f};
+        cache->SetFrame(picture.frame, 1, &tag);
+        wrapper.m_nCacheKey = 2;
+        time.Advance(c.pause / 2);
+        wrapper.GetCacheForCurrentThread(true);   // another key keeps itself alive, not key 1
+        time.Advance(c.pause - c.pause / 2);
+        wrapper.m_nCacheKey = 1;
+        CEffectsLibCache<Tag>* again = wrapper.GetCacheForCurrentThread(true).m_pCache;
+        EXPECT_EQ(again->UserData(1).index, c.survives ? 5 : -1) << "pause " << c.pause;
+        const bool otherSurvives = c.pause - c.pause / 2 <= 10000;
+        EXPECT_EQ(wrapper.m_Caches.size(), otherSurvives ? 2u : 1u) << "pause " << c.pause;
+    }
+}
+
+TEST(FrameCacheMT, GetFrameCopiesOnlyIntoAFrameOfTheSlotsSize)
+{
+    ManualTime time;
+    CEffectsLibCacheMT<Tag> wrapper(2);
+    CCritSectLock lock(wrapper.m_Lock);
+    wrapper.m_nCacheKey = 4;
+    Pixels stored(4, 3, 0x5A);
+    Tag tag{1, 1.0f};
+    wrapper.GetCacheForCurrentThread(true).m_pCache->SetFrame(stored.frame, 1, &tag);
+
+    Pixels wrongSize(3, 3, 0x00);
+    EXPECT_FALSE(wrapper.GetFrame(1, wrongSize.frame));
+    EXPECT_EQ(wrongSize.bytes, std::vector<uint8_t>(3 * 3 * 4, 0x00));
+    Pixels emptySlot(4, 3, 0x00);
+    EXPECT_FALSE(wrapper.GetFrame(0, emptySlot.frame));
+    CFrame noBuffer;
+    EXPECT_FALSE(wrapper.GetFrame(1, noBuffer));
+    Pixels target(4, 3, 0x00);
+    EXPECT_TRUE(wrapper.GetFrame(1, target.frame));
+    EXPECT_EQ(target.bytes, stored.bytes);
+}
+
+} // namespace
