@@ -139,6 +139,19 @@ std::string SilentWav()
     return wav;
 }
 
+// A preset file as an editor saves it, made for `effect` of "Tessarel Deglarer Pro"; the
+// second and third parameters are of the types given, and the first slider at `position`.
+std::string PresetFile(const std::string& library, const std::string& effect, const std::string& secondType,
+                       const std::string& thirdType, const std::string& position = "0.300000")
+{
+    return "<?xml version=\"1.0\" standalone=\"no\" ?>\n<!-- Effect's Preset File -->\n"
+           "<Preset Name=\"Mine\" LibraryName=\"Tessarel " + library + "\" EffectName=\"" + effect + "\">\n"
+           "    <parameter type=\"2\" value=\"" + position + "\" />\n"
+           "    <parameter type=\"" + secondType + "\" value=\"0.555556\" />\n"
+           "    <parameter type=\"" + thirdType + "\" value=\"1\" />\n"
+           "</Preset>\n";
+}
+
 struct BadCase {
     const char* name;
     std::vector<std::string> arguments;     // "@name" stands for a file in the test's folder
@@ -167,6 +180,9 @@ TEST(DeglareEndToEnd, BadInputsFailCleanlyWithTheirOwnStatus)
     WriteFile(folder.Path("notes.txt"), "These are words, not pictures.\n");
     WriteFile(folder.Path("tone.wav"), SilentWav());
     WriteFile(folder.Path("old.mkv"), "an older file");
+    WriteFile(folder.Path("other.fxpunka"), PresetFile("Deglarer Pro", "Denoiser Pro", "2", "4"));
+    WriteFile(folder.Path("mistyped.fxpunka"), PresetFile("Deglarer Pro", "Deglarer Pro", "4", "4"));
+    WriteFile(folder.Path("steep.fxpunka"), PresetFile("Deglarer Pro", "Deglarer Pro", "2", "4", "1.5"));
     std::filesystem::create_directory(folder.Path("sub"));
     std::filesystem::create_directory(folder.Path("locked"));
     const bool root = geteuid() == 0;
@@ -191,6 +207,14 @@ TEST(DeglareEndToEnd, BadInputsFailCleanlyWithTheirOwnStatus)
         {"encoder refuses the size", {"@odd.mkv", "@old.mkv", "--codec", "libx264"}, 12, "libx264", "not divisible by 2"},
         {"unknown container", {"@clip.mkv", "@out.nosuch"}, 13, "out.nosuch", "container"},
         {"unknown preset", {"@clip.mkv", "@old.mkv", "--preset", "Sunny Day"}, 14, "Sunny Day", "no such preset"},
+        {"preset file for another effect", {"@clip.mkv", "@old.mkv", "--preset-file", "@other.fxpunka"}, 15,
+         "other.fxpunka", "Denoiser Pro"},
+        {"preset file of other types", {"@clip.mkv", "@old.mkv", "--preset-file", "@mistyped.fxpunka"}, 15,
+         "mistyped.fxpunka", "doesn't match"},
+        {"preset file off the slider", {"@clip.mkv", "@old.mkv", "--preset-file", "@steep.fxpunka"}, 15,
+         "steep.fxpunka", "outside 0 to 1"},
+        {"preset file that isn't one", {"@clip.mkv", "@old.mkv", "--preset-file", "@notes.txt"}, 15, "notes.txt",
+         "not a preset file"},
         {"sensitivity out of range", {"@clip.mkv", "@old.mkv", "--sensitivity", "150"}, 2, "--sensitivity", "150"},
         {"max frames out of range", {"@clip.mkv", "@old.mkv", "--max-frames", "0"}, 2, "--max-frames", "0"},
         {"no effect bundle", {"@clip.mkv", "@old.mkv", "--bundle", "@nobundle"}, 17, "nobundle", "can't be loaded"},
@@ -298,8 +322,8 @@ TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
     EXPECT_GE(after.frames.size(), static_cast<size_t>(spec.frameCount - 1));
 }
 
-// Presets are read from the effect by name, in any case, and land in the report's settings;
-// sliders given beside a preset override it.
+// Stock presets are read from the effect by name, in any case, saved ones from their file, and
+// they land in the report's settings; sliders given beside a preset override it.
 TEST(DeglareEndToEnd, PresetsComeFromTheEffect)
 {
     TempFolder folder;
@@ -307,6 +331,8 @@ TEST(DeglareEndToEnd, PresetsComeFromTheEffect)
     spec.frameCount = 6;
     const std::string input = folder.Path("clip.mkv");
     WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+    const std::string saved = folder.Path("saved.fxpunka");
+    WriteFile(saved, PresetFile("Deglarer Pro", "Deglarer Pro", "2", "4"));
     struct Case {
         std::vector<std::string> options;
         int sensitivity;
@@ -321,6 +347,9 @@ TEST(DeglareEndToEnd, PresetsComeFromTheEffect)
         {{"--preset", "Multi Flashes"}, 45, 3, true},
         {{"--preset", "Single Flashes", "--max-frames", "7", "--sensitivity", "33"}, 33, 7, false},
         {{"--test-mode", "--sensitivity", "0"}, 0, 2, true},
+        // 0.555556 of the way from 1 to 10 is 6.
+        {{"--preset-file", saved}, 30, 6, true},
+        {{"--preset-file", saved, "--max-frames", "10"}, 30, 10, true},
     };
     for (const Case& test : cases) {
         const std::string report = folder.Path("report.json");

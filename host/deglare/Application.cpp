@@ -9,6 +9,7 @@
 #include "OutputMuxer.h"
 #include "Pipeline.h"
 #include "PlotWriter.h"
+#include "PresetFile.h"
 #include "ReportWriter.h"
 #include "SliderPositions.h"
 #include "Summary.h"
@@ -18,12 +19,15 @@
 namespace Deglare {
 
 namespace {
-// The effect's parameters: its defaults, then a preset, then the sliders given one by one.
+// The effect's parameters: its defaults, then a stock or saved preset, then the sliders given one
+// by one.
 EffectSettings ChooseSettings(const Options& options, const EffectModule& module)
 {
     EffectSettings settings = module.Defaults();
     if (!options.preset.empty())
         settings = module.Preset(options.preset);
+    if (!options.presetFile.empty())
+        settings = ReadPresetFile(options.presetFile, module.Library(), module.Effect());
     if (options.sensitivity)
         settings.sensitivityPosition = SensitivityPosition(*options.sensitivity);
     if (options.maxFrames)
