@@ -54,6 +54,7 @@ TEST(DeglareEndToEnd, SteadyClipsComeOutUnchanged)
         {"10-bit", 64, 48, AV_PIX_FMT_YUV420P10LE, {}, "mkv", false},
         {"odd size", 65, 49, AV_PIX_FMT_YUV420P, {}, "mkv", false},
         {"4:4:4 in AVI", 80, 60, AV_PIX_FMT_YUV444P, {}, "avi", false},
+        {"rotated, in MOV", 64, 48, AV_PIX_FMT_YUV420P, {}, "mov", false},
         {"variable frame rate", 64, 48, AV_PIX_FMT_YUV420P,
          {0, 40, 80, 150, 190, 230, 330, 370, 410, 420, 430, 470, 510, 600, 640, 680, 720, 760, 900, 940}, "mkv",
          false},
@@ -74,11 +75,20 @@ TEST(DeglareEndToEnd, SteadyClipsComeOutUnchanged)
         spec.transfer = AVCOL_TRC_BT709;
         spec.matrix = AVCOL_SPC_BT709;
         spec.rotation = 90.0;
+        if (test.extension == std::string("mov")) {
+            spec.codec = "libx264";
+            spec.crf = 0;
+        }
         const std::string input = folder.Path(std::string("in.") + test.extension);
         const std::string output = folder.Path(std::string("out.") + test.extension);
         WriteClip(input, spec, Scene(Steady(spec.frameCount)));
 
-        std::vector<std::string> arguments = {input, output, "--codec", "ffv1", "--quiet"};
+        // MOV takes no ffv1; libx264 at crf 0 is lossless too, and keeps the colour range.
+        std::vector<std::string> arguments = {input, output, "--quiet", "--codec"};
+        if (test.extension == std::string("mov"))
+            arguments.insert(arguments.end(), {"libx264", "--crf", "0"});
+        else
+            arguments.push_back("ffv1");
         if (test.sequential)
             arguments.push_back("--sequential");
         const ProgramRun run = RunDeglare(arguments);
@@ -100,6 +110,10 @@ TEST(DeglareEndToEnd, SteadyClipsComeOutUnchanged)
         EXPECT_EQ(after.primaries, before.primaries);
         EXPECT_EQ(after.transfer, before.transfer);
         EXPECT_EQ(after.matrix, before.matrix);
+        // Of these containers only MOV carries a rotation.
+        if (test.extension == std::string("mov")) {
+            EXPECT_EQ(before.rotation, -90.0);
+        }
         EXPECT_EQ(after.rotation, before.rotation);
 
         // Audio bit for bit, with its timestamps.
