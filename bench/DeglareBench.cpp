@@ -37,9 +37,9 @@ const std::string& Clip()
         fs::create_directories(folder);
         const std::string clip = (folder / "clip.mp4").string();
         av_log_set_level(AV_LOG_ERROR);
-        Deglare::ClipSpec spec = DemoFootage::Spec();
-        spec.frameCount = kFrames;
-        Deglare::WriteClip(clip, spec, [](int index, Deglare::Picture& picture) {
+        Deglare::ClipRecipe recipe = DemoFootage::Recipe();
+        recipe.frameCount = kFrames;
+        Deglare::WriteClip(clip, recipe, [](int index, Deglare::Picture& picture) {
             DemoFootage::Paint(index % DemoFootage::kFrameCount, picture);
         });
         std::atexit([] {
@@ -122,7 +122,9 @@ void BM_AnalyzeAgainstDecode(benchmark::State& state)
     Clip();
     double analyze = 0.0, decode = 0.0;
     for (auto _ : state) {
-        const double decodeTime = TimeProgram(Ffmpeg({"-f", "null"}, "-"));
+        // The video alone, as --analyze reads only the video.
+        const double decodeTime = TimeProgram(
+            {"ffmpeg", "-nostdin", "-loglevel", "error", "-i", Clip(), "-map", "0:v", "-f", "null", "-"});
         const double analyzeTime = TimeProgram({DEGLARE_PROGRAM, Clip(), "--analyze", "--quiet"});
         if (decodeTime < 0 || analyzeTime < 0) {
             state.SkipWithError("a program failed (is ffmpeg installed?)");

@@ -133,13 +133,13 @@ TEST(DeglareThreads, CancelReleasesEveryWaiter)
 TEST(DeglareThreads, SameFileAndDecisionsOnAnyNumberOfThreads)
 {
     TempFolder folder;
-    ClipSpec spec;
-    spec.frameCount = 40;
+    ClipRecipe recipe;
+    recipe.frameCount = 40;
     const std::string input = folder.Path("input.mkv");
     std::vector<float> levels;
-    for (int index = 0; index < spec.frameCount; ++index)
+    for (int index = 0; index < recipe.frameCount; ++index)
         levels.push_back(0.4f + 0.01f * (index % 4));
-    WriteClip(input, spec, Scene(levels));
+    WriteClip(input, recipe, Scene(levels));
 
     std::vector<std::vector<int>> shown;
     std::vector<std::vector<Decision>> decisions;

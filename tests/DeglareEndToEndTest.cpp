@@ -62,26 +62,26 @@ TEST(DeglareEndToEnd, SteadyClipsComeOutUnchanged)
     for (const Case& test : cases) {
         SCOPED_TRACE(test.name);
         TempFolder folder;
-        ClipSpec spec;
-        spec.width = test.width;
-        spec.height = test.height;
-        spec.pixelFormat = test.format;
-        spec.frameCount = test.timestamps.empty() ? 24 : static_cast<int>(test.timestamps.size());
-        spec.audio = true;
-        spec.timestamps = test.timestamps;
-        spec.timeBase = test.timestamps.empty() ? AVRational{1, 25} : AVRational{1, 1000};
-        spec.range = AVCOL_RANGE_MPEG;
-        spec.primaries = AVCOL_PRI_BT709;
-        spec.transfer = AVCOL_TRC_BT709;
-        spec.matrix = AVCOL_SPC_BT709;
-        spec.rotation = 90.0;
+        ClipRecipe recipe;
+        recipe.width = test.width;
+        recipe.height = test.height;
+        recipe.pixelFormat = test.format;
+        recipe.frameCount = test.timestamps.empty() ? 24 : static_cast<int>(test.timestamps.size());
+        recipe.audio = true;
+        recipe.timestamps = test.timestamps;
+        recipe.timeBase = test.timestamps.empty() ? AVRational{1, 25} : AVRational{1, 1000};
+        recipe.range = AVCOL_RANGE_MPEG;
+        recipe.primaries = AVCOL_PRI_BT709;
+        recipe.transfer = AVCOL_TRC_BT709;
+        recipe.matrix = AVCOL_SPC_BT709;
+        recipe.rotation = 90.0;
         if (test.extension == std::string("mov")) {
-            spec.codec = "libx264";
-            spec.crf = 0;
+            recipe.codec = "libx264";
+            recipe.crf = 0;
         }
         const std::string input = folder.Path(std::string("in.") + test.extension);
         const std::string output = folder.Path(std::string("out.") + test.extension);
-        WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+        WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
 
         // MOV takes no ffv1; libx264 at crf 0 is lossless too, and keeps the colour range.
         std::vector<std::string> arguments = {input, output, "--quiet", "--codec"};
@@ -181,16 +181,16 @@ struct BadCase {
 TEST(DeglareEndToEnd, BadInputsFailCleanlyWithTheirOwnStatus)
 {
     TempFolder folder;
-    ClipSpec spec;
-    spec.frameCount = 8;
-    WriteClip(folder.Path("clip.mkv"), spec, Scene(Steady(8)));
-    ClipSpec oddSpec = spec;
-    oddSpec.width = 65;
-    oddSpec.height = 49;
-    WriteClip(folder.Path("odd.mkv"), oddSpec, Scene(Steady(8)));
-    ClipSpec emptySpec = spec;
-    emptySpec.frameCount = 0;
-    WriteClip(folder.Path("empty.avi"), emptySpec, Scene({}));
+    ClipRecipe recipe;
+    recipe.frameCount = 8;
+    WriteClip(folder.Path("clip.mkv"), recipe, Scene(Steady(8)));
+    ClipRecipe oddRecipe = recipe;
+    oddRecipe.width = 65;
+    oddRecipe.height = 49;
+    WriteClip(folder.Path("odd.mkv"), oddRecipe, Scene(Steady(8)));
+    ClipRecipe emptyRecipe = recipe;
+    emptyRecipe.frameCount = 0;
+    WriteClip(folder.Path("empty.avi"), emptyRecipe, Scene({}));
     WriteFile(folder.Path("notes.txt"), "These are words, not pictures.\n");
     WriteFile(folder.Path("tone.wav"), SilentWav());
     WriteFile(folder.Path("old.mkv"), "an older file");
@@ -262,12 +262,12 @@ TEST(DeglareEndToEnd, BadInputsFailCleanlyWithTheirOwnStatus)
 TEST(DeglareEndToEnd, WriteFailureIsReportedAndLeavesNothing)
 {
     TempFolder folder;
-    ClipSpec spec;
-    spec.width = 160;
-    spec.height = 120;
-    spec.frameCount = 20;
+    ClipRecipe recipe;
+    recipe.width = 160;
+    recipe.height = 120;
+    recipe.frameCount = 20;
     const std::string input = folder.Path("clip.mkv");
-    WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+    WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
     WriteFile(folder.Path("old.mkv"), "an older file");
     const long limit = static_cast<long>(std::filesystem::file_size(input) / 3);
     const ProgramRun run = RunDeglare({input, folder.Path("old.mkv"), "--codec", "ffv1", "--quiet"}, limit);
@@ -281,13 +281,13 @@ TEST(DeglareEndToEnd, WriteFailureIsReportedAndLeavesNothing)
 TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
 {
     TempFolder folder;
-    ClipSpec spec;
-    spec.width = 160;
-    spec.height = 120;
-    spec.frameCount = 30;
-    spec.codec = "libx264";
+    ClipRecipe recipe;
+    recipe.width = 160;
+    recipe.height = 120;
+    recipe.frameCount = 30;
+    recipe.codec = "libx264";
     const std::string input = folder.Path("clip.mkv");
-    WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+    WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
 
     // Overwrite the middle of the largest picture after frame 10 that isn't a keyframe.
     int damaged = -1;
@@ -333,7 +333,7 @@ TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
     }
     EXPECT_TRUE(named) << "frame " << damaged << " isn't named in: " << run.err;
     const ReadClip after = ReadBack(output);
-    EXPECT_GE(after.frames.size(), static_cast<size_t>(spec.frameCount - 1));
+    EXPECT_GE(after.frames.size(), static_cast<size_t>(recipe.frameCount - 1));
 }
 
 // Stock presets are read from the effect by name, in any case, saved ones from their file, and
@@ -341,10 +341,10 @@ TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
 TEST(DeglareEndToEnd, PresetsComeFromTheEffect)
 {
     TempFolder folder;
-    ClipSpec spec;
-    spec.frameCount = 6;
+    ClipRecipe recipe;
+    recipe.frameCount = 6;
     const std::string input = folder.Path("clip.mkv");
-    WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+    WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
     const std::string saved = folder.Path("saved.fxpunka");
     WriteFile(saved, PresetFile("Deglarer Pro", "Deglarer Pro", "2", "4"));
     struct Case {
@@ -384,10 +384,10 @@ TEST(DeglareEndToEnd, PresetsComeFromTheEffect)
 TEST(DeglareEndToEnd, ReportsAndPlotsAreWellFormed)
 {
     TempFolder folder;
-    ClipSpec spec;
-    spec.frameCount = 12;
+    ClipRecipe recipe;
+    recipe.frameCount = 12;
     const std::string input = folder.Path("clip.mkv");
-    WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+    WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
 
     const ProgramRun clean = RunDeglare({input, folder.Path("out.mkv"), "--codec", "ffv1", "--report",
                                          folder.Path("report.json"), "--plot", folder.Path("plot.png")});
@@ -444,12 +444,12 @@ TEST(DeglareEndToEnd, ReportsAndPlotsAreWellFormed)
 TEST(DeglareEndToEnd, InterruptionLeavesNothingBehind)
 {
     TempFolder folder;
-    ClipSpec spec;
-    spec.width = 320;
-    spec.height = 240;
-    spec.frameCount = 250;
+    ClipRecipe recipe;
+    recipe.width = 320;
+    recipe.height = 240;
+    recipe.frameCount = 250;
     const std::string input = folder.Path("clip.mkv");
-    WriteClip(input, spec, Scene(Steady(spec.frameCount)));
+    WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
     const std::string output = folder.Path("out.mp4");
     const pid_t child = StartDeglare({input, output, "--quiet", "--threads", "1"});
     // Once the temporary file is there the run is under way.

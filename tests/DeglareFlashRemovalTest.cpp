@@ -91,20 +91,20 @@ TEST(DeglareFlashRemoval, FlashedFramesShowTheRightNeighboursAndOthersAreUntouch
     for (const FlashCase& test : cases) {
         SCOPED_TRACE(test.name);
         TempFolder folder;
-        ClipSpec spec;
-        spec.width = test.width;
-        spec.height = test.height;
-        spec.pixelFormat = test.format;
-        spec.frameCount = kFrames;
-        spec.audio = true;
+        ClipRecipe recipe;
+        recipe.width = test.width;
+        recipe.height = test.height;
+        recipe.pixelFormat = test.format;
+        recipe.frameCount = kFrames;
+        recipe.audio = true;
         if (test.variableRate) {
-            spec.timeBase = {1, 1000};
+            recipe.timeBase = {1, 1000};
             for (int index = 0, time = 0; index < kFrames; ++index, time += index % 4 == 0 ? 90 : 33)
-                spec.timestamps.push_back(time);
+                recipe.timestamps.push_back(time);
         }
         const std::string input = folder.Path("in.mkv");
         const std::string output = folder.Path("out.mkv");
-        WriteClip(input, spec, Scene(UpperLevels(), LowerLevels()));
+        WriteClip(input, recipe, Scene(UpperLevels(), LowerLevels()));
 
         std::vector<std::string> arguments = {input, output, "--codec", "ffv1", "--quiet", "--report",
                                               folder.Path("report.json")};
@@ -150,10 +150,10 @@ TEST(DeglareFlashRemoval, TestModeMarksExactlyTheFlaggedFrames)
     for (const bool sequential : {false, true}) {
         SCOPED_TRACE(sequential ? "sequential" : "time access");
         TempFolder folder;
-        ClipSpec spec;
-        spec.frameCount = kFrames;
+        ClipRecipe recipe;
+        recipe.frameCount = kFrames;
         const std::string input = folder.Path("in.mkv");
-        WriteClip(input, spec, Scene(UpperLevels(), LowerLevels()));
+        WriteClip(input, recipe, Scene(UpperLevels(), LowerLevels()));
         std::vector<std::string> arguments = {input, folder.Path("out.mkv"), "--codec", "ffv1", "--quiet",
                                               "--test-mode"};
         if (sequential)

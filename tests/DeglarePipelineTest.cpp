@@ -28,11 +28,11 @@ class PipelineTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        ClipSpec spec;
-        spec.frameCount = kFrames;
-        spec.audio = true;
+        ClipRecipe recipe;
+        recipe.frameCount = kFrames;
+        recipe.audio = true;
         input = folder.Path("input.mkv");
-        WriteClip(input, spec, Scene(SteadyLevels(kFrames)));
+        WriteClip(input, recipe, Scene(SteadyLevels(kFrames)));
         settings.input = input;
         settings.output = folder.Path("output.mkv");
         settings.encoder.codec = "ffv1";

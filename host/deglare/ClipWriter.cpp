@@ -36,30 +36,30 @@ struct OutputFile {
     }
 };
 
-CodecContextRef OpenVideoEncoder(const ClipSpec& spec, bool globalHeader)
+CodecContextRef OpenVideoEncoder(const ClipRecipe& recipe, bool globalHeader)
 {
-    const AVCodec* codec = avcodec_find_encoder_by_name(spec.codec.c_str());
+    const AVCodec* codec = avcodec_find_encoder_by_name(recipe.codec.c_str());
     if (codec == nullptr)
-        throw std::runtime_error("no encoder " + spec.codec);
+        throw std::runtime_error("no encoder " + recipe.codec);
     CodecContextRef context(avcodec_alloc_context3(codec));
     if (!context)
         throw std::bad_alloc();
-    context->width = spec.width;
-    context->height = spec.height;
-    context->pix_fmt = spec.pixelFormat;
-    context->time_base = spec.timeBase;
-    context->framerate = spec.frameRate;
-    context->color_range = spec.range;
-    context->color_primaries = spec.primaries;
-    context->color_trc = spec.transfer;
-    context->colorspace = spec.matrix;
+    context->width = recipe.width;
+    context->height = recipe.height;
+    context->pix_fmt = recipe.pixelFormat;
+    context->time_base = recipe.timeBase;
+    context->framerate = recipe.frameRate;
+    context->color_range = recipe.range;
+    context->color_primaries = recipe.primaries;
+    context->color_trc = recipe.transfer;
+    context->colorspace = recipe.matrix;
     if (globalHeader)
         context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    if (spec.crf >= 0)
-        av_opt_set_int(context->priv_data, "crf", spec.crf, 0);
-    if (!spec.speed.empty())
-        av_opt_set(context->priv_data, "preset", spec.speed.c_str(), 0);
-    Check(avcodec_open2(context.get(), codec, nullptr), "can't open " + spec.codec);
+    if (recipe.crf >= 0)
+        av_opt_set_int(context->priv_data, "crf", recipe.crf, 0);
+    if (!recipe.speed.empty())
+        av_opt_set(context->priv_data, "preset", recipe.speed.c_str(), 0);
+    Check(avcodec_open2(context.get(), codec, nullptr), "can't open " + recipe.codec);
     return context;
 }
 
@@ -120,30 +120,30 @@ FrameRef ToneFrame(const AVCodecContext* encoder, int64_t first, int samples)
 }
 } // namespace
 
-void WriteClip(const std::string& path, const ClipSpec& spec, const PicturePainter& paint)
+void WriteClip(const std::string& path, const ClipRecipe& recipe, const PicturePainter& paint)
 {
     OutputFile file;
     Check(avformat_alloc_output_context2(&file.format, nullptr, nullptr, path.c_str()), "no container for " + path);
     const bool globalHeader = (file.format->oformat->flags & AVFMT_GLOBALHEADER) != 0;
 
-    CodecContextRef video = OpenVideoEncoder(spec, globalHeader);
+    CodecContextRef video = OpenVideoEncoder(recipe, globalHeader);
     AVStream* videoStream = avformat_new_stream(file.format, nullptr);
     if (videoStream == nullptr)
         throw std::bad_alloc();
     Check(avcodec_parameters_from_context(videoStream->codecpar, video.get()), "video stream");
-    videoStream->time_base = spec.timeBase;
-    videoStream->avg_frame_rate = spec.frameRate;
-    if (spec.rotation != 0.0) {
+    videoStream->time_base = recipe.timeBase;
+    videoStream->avg_frame_rate = recipe.frameRate;
+    if (recipe.rotation != 0.0) {
         auto* matrix = reinterpret_cast<int32_t*>(
             av_stream_new_side_data(videoStream, AV_PKT_DATA_DISPLAYMATRIX, 9 * sizeof(int32_t)));
         if (matrix == nullptr)
             throw std::bad_alloc();
-        av_display_rotation_set(matrix, spec.rotation);
+        av_display_rotation_set(matrix, recipe.rotation);
     }
 
     CodecContextRef audio;
     AVStream* audioStream = nullptr;
-    if (spec.audio) {
+    if (recipe.audio) {
         audio = OpenAudioEncoder(file.format->oformat, globalHeader);
         audioStream = avformat_new_stream(file.format, nullptr);
         if (audioStream == nullptr)
@@ -156,30 +156,30 @@ void WriteClip(const std::string& path, const ClipSpec& spec, const PicturePaint
     Check(avformat_write_header(file.format, nullptr), "header of " + path);
 
     ColourConverter converter;
-    Picture picture(spec.width, spec.height);
+    Picture picture(recipe.width, recipe.height);
     const int audioFrameSamples = audio && audio->frame_size > 0 ? audio->frame_size : 1024;
     int64_t samplesWritten = 0;
-    for (int index = 0; index < spec.frameCount; ++index) {
+    for (int index = 0; index < recipe.frameCount; ++index) {
         paint(index, picture);
         FrameRef frame = AllocateFrame();
-        frame->format = spec.pixelFormat;
-        frame->width = spec.width;
-        frame->height = spec.height;
-        frame->color_range = spec.range;
-        frame->color_primaries = spec.primaries;
-        frame->color_trc = spec.transfer;
-        frame->colorspace = spec.matrix;
+        frame->format = recipe.pixelFormat;
+        frame->width = recipe.width;
+        frame->height = recipe.height;
+        frame->color_range = recipe.range;
+        frame->color_primaries = recipe.primaries;
+        frame->color_trc = recipe.transfer;
+        frame->colorspace = recipe.matrix;
         Check(av_frame_get_buffer(frame.get(), 0), "video frame");
         converter.FromBgra(picture, frame.get());
-        frame->pts = spec.timestamps.empty()
-                         ? av_rescale_q(index, av_inv_q(spec.frameRate), spec.timeBase)
-                         : spec.timestamps[index];
+        frame->pts = recipe.timestamps.empty()
+                         ? av_rescale_q(index, av_inv_q(recipe.frameRate), recipe.timeBase)
+                         : recipe.timestamps[index];
         Drain(video.get(), frame.get(), file.format, videoStream);
 
         // Audio up to the end of this frame, so the streams interleave as they would in a camera file.
         if (audio) {
             const int64_t frameEnd =
-                av_rescale_q(index + 1, av_inv_q(spec.frameRate), AVRational{1, kSampleRate});
+                av_rescale_q(index + 1, av_inv_q(recipe.frameRate), AVRational{1, kSampleRate});
             while (samplesWritten + audioFrameSamples <= frameEnd) {
                 FrameRef tone = ToneFrame(audio.get(), samplesWritten, audioFrameSamples);
                 Drain(audio.get(), tone.get(), file.format, audioStream);

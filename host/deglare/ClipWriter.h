@@ -10,7 +10,7 @@
 namespace Deglare {
 
 // What a generated clip is like.
-struct ClipSpec {
+struct ClipRecipe {
     int width = 64;
     int height = 48;
     int frameCount = 30;
@@ -34,8 +34,8 @@ struct ClipSpec {
 // Paints frame `index` into `picture` (8-bit BGRA).
 using PicturePainter = std::function<void(int index, Picture& picture)>;
 
-// Writes a clip of `spec` painted by `paint` to `path`, whose extension chooses the container.
+// Writes a clip of `recipe` painted by `paint` to `path`, whose extension chooses the container.
 // Throws std::runtime_error on failure. The demo and the tests make their clips with it.
-void WriteClip(const std::string& path, const ClipSpec& spec, const PicturePainter& paint);
+void WriteClip(const std::string& path, const ClipRecipe& recipe, const PicturePainter& paint);
 
 } // namespace Deglare

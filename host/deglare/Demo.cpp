@@ -1,5 +1,6 @@
 #include "Demo.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -20,7 +21,7 @@ void WriteFootage(const std::string& path)
 {
     TemporaryOutput file(path, "");
     try {
-        WriteClip(file.Path(), DemoFootage::Spec(), DemoFootage::Paint);
+        WriteClip(file.Path(), DemoFootage::Recipe(), DemoFootage::Paint);
     } catch (const std::exception& error) {
         throw Failure(ExitStatus::WriteFailed, path + ": the demo clip couldn't be written (" + error.what() + ")");
     }
@@ -92,8 +93,13 @@ void RunDemo(const Options& options, Console& console, std::ostream& out, const 
         << (CountReplaced(std::vector<FrameRecord>(result.frames.begin() + lastEventFrame + 1, result.frames.end())) == 0
                 ? "kept"
                 : "some replaced")
-        << "\n\n"
-        << SummaryLine(result.frames, result.seconds) << std::endl;
+        << "\n";
+    const bool spared = std::any_of(result.frames.begin(), result.frames.end(),
+                                    [](const FrameRecord& record) { return record.decision == Decision::Spared; });
+    if (spared)
+        out << "  (\"Max Frames\" limits how many of a run's frames are replaced, the brightest first;\n"
+               "   deglare --demo --max-frames 3 takes the whole burst)\n";
+    out << "\n" << SummaryLine(result.frames, result.seconds) << std::endl;
 }
 
 } // namespace Deglare

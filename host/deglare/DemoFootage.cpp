@@ -50,23 +50,23 @@ uint8_t Clamp(float value)
 }
 } // namespace
 
-ClipSpec DemoFootage::Spec()
+ClipRecipe DemoFootage::Recipe()
 {
-    ClipSpec spec;
-    spec.width = kWidth;
-    spec.height = kHeight;
-    spec.frameCount = kFrameCount;
-    spec.frameRate = {25, 1};
-    spec.timeBase = {1, 25};
-    spec.codec = "libx264";
-    spec.crf = 16;
-    spec.speed = "veryfast";
-    spec.audio = true;
-    spec.range = AVCOL_RANGE_MPEG;
-    spec.primaries = AVCOL_PRI_BT709;
-    spec.transfer = AVCOL_TRC_BT709;
-    spec.matrix = AVCOL_SPC_BT709;
-    return spec;
+    ClipRecipe recipe;
+    recipe.width = kWidth;
+    recipe.height = kHeight;
+    recipe.frameCount = kFrameCount;
+    recipe.frameRate = {25, 1};
+    recipe.timeBase = {1, 25};
+    recipe.codec = "libx264";
+    recipe.crf = 16;
+    recipe.speed = "veryfast";
+    recipe.audio = true;
+    recipe.range = AVCOL_RANGE_MPEG;
+    recipe.primaries = AVCOL_PRI_BT709;
+    recipe.transfer = AVCOL_TRC_BT709;
+    recipe.matrix = AVCOL_SPC_BT709;
+    return recipe;
 }
 
 const std::vector<DemoFootage::Event>& DemoFootage::Events()

@@ -23,7 +23,7 @@ public:
     static const int kFrameCount = 64;
 
     // How the clip is encoded.
-    static ClipSpec Spec();
+    static ClipRecipe Recipe();
     static const std::vector<Event>& Events();
     static void Paint(int index, Picture& picture);
 };
