@@ -1,5 +1,6 @@
 // The command-line host's threads: the window and the queue under decoding, rendering and
-// encoding threads at once, and a run that gives the same file on any number of threads.
+// encoding threads at once, and a run that gives the same file on any number of threads, with a
+// scripted effect and with the real one.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -7,6 +8,7 @@
 #include <sstream>
 #include <thread>
 
+#include "../host/deglare/EffectModule.h"
 #include "../host/deglare/FrameWindow.h"
 #include "../host/deglare/OutcomeQueue.h"
 #include "../host/deglare/Pipeline.h"
@@ -168,6 +170,48 @@ TEST(DeglareThreads, SameFileAndDecisionsOnAnyNumberOfThreads)
     EXPECT_EQ(shown[0][7], 6);
     EXPECT_EQ(shown[0][8], 9);
     EXPECT_EQ(decisions[0][20], Decision::Spared);
+}
+
+// The real effect, loaded from the bundle, rendering frames on four threads at once from a
+// window too small for its scans: the same pictures and decisions as on one thread.
+TEST(DeglareThreads, RealEffectDecidesAlikeOnAnyNumberOfThreads)
+{
+    TempFolder folder;
+    ClipRecipe recipe;
+    recipe.frameCount = 40;
+    const std::string input = folder.Path("input.mkv");
+    std::vector<float> levels;
+    for (int index = 0; index < recipe.frameCount; ++index)
+        levels.push_back(0.4f + 0.01f * (index % 3));
+    for (int flash : {7, 20, 30})
+        levels[flash] = 0.85f;
+    WriteClip(input, recipe, Scene(levels));
+
+    std::vector<std::vector<int>> shown;
+    std::vector<std::vector<Decision>> decisions;
+    for (int threads : {1, 4}) {
+        EffectModule module(DEGLARER_BUNDLE_PATH);
+        RunSettings settings;
+        settings.input = input;
+        settings.output = folder.Path("output-" + std::to_string(threads) + ".mkv");
+        settings.encoder.codec = "ffv1";
+        settings.encoder.threads = 1;
+        settings.threads = threads;
+        settings.memoryBudget = 1;
+        std::ostringstream messages;
+        Console console(messages, false, true);
+        const RunResult result = Pipeline(module.Effect(), console).Run(settings);
+        shown.push_back(ShownFrames(ReadBack(settings.output), ReadBack(input)));
+        decisions.emplace_back();
+        for (const FrameRecord& record : result.frames)
+            decisions.back().push_back(record.decision);
+    }
+    EXPECT_EQ(shown[0], shown[1]);
+    EXPECT_EQ(decisions[0], decisions[1]);
+    for (int flash : {7, 20, 30}) {
+        EXPECT_EQ(shown[1][flash], flash - 1) << "frame " << flash;
+        EXPECT_EQ(decisions[1][flash], Decision::Replaced) << "frame " << flash;
+    }
 }
 
 } // namespace
