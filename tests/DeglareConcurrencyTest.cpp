@@ -132,44 +132,56 @@ TEST(DeglareThreads, CancelReleasesEveryWaiter)
         waiter.join();
 }
 
+// A clip of 40 frames at levels `levels` run through `effect` on `threads` render threads with
+// the least window, so that far frames are asked for: what each output frame shows and what
+// was decided for it.
+struct ThreadedRun {
+    std::vector<int> shown;
+    std::vector<Decision> decisions;
+};
+ThreadedRun RunOnThreads(TempFolder& folder, const std::vector<float>& levels, IVideoEffect* effect, int threads)
+{
+    ClipRecipe recipe;
+    recipe.frameCount = static_cast<int>(levels.size());
+    const std::string input = folder.Path("input.mkv");
+    if (!FileExists(input))
+        WriteClip(input, recipe, Scene(levels));
+    RunSettings settings;
+    settings.input = input;
+    settings.output = folder.Path("output-" + std::to_string(threads) + ".mkv");
+    settings.encoder.codec = "ffv1";
+    settings.encoder.threads = 1;
+    settings.threads = threads;
+    settings.memoryBudget = 1;
+    std::ostringstream messages;
+    Console console(messages, false, true);
+    const RunResult result = Pipeline(effect, console).Run(settings);
+    ThreadedRun run;
+    run.shown = ShownFrames(ReadBack(settings.output), ReadBack(input));
+    for (const FrameRecord& record : result.frames)
+        run.decisions.push_back(record.decision);
+    return run;
+}
+
 TEST(DeglareThreads, SameFileAndDecisionsOnAnyNumberOfThreads)
 {
     TempFolder folder;
-    ClipRecipe recipe;
-    recipe.frameCount = 40;
-    const std::string input = folder.Path("input.mkv");
     std::vector<float> levels;
-    for (int index = 0; index < recipe.frameCount; ++index)
+    for (int index = 0; index < 40; ++index)
         levels.push_back(0.4f + 0.01f * (index % 4));
-    WriteClip(input, recipe, Scene(levels));
-
-    std::vector<std::vector<int>> shown;
-    std::vector<std::vector<Decision>> decisions;
+    std::vector<ThreadedRun> runs;
     for (int threads : {1, 4}) {
         ScriptedEffect effect;
         effect.replacements = {{7, 6}, {8, 9}, {30, 31}};
         effect.spared = {20};
         effect.looksAt = {{5, {6, 7, 8, 9, 10, 11}}, {25, {35, 36, 2}}};
-        RunSettings settings;
-        settings.input = input;
-        settings.output = folder.Path("output-" + std::to_string(threads) + ".mkv");
-        settings.encoder.codec = "ffv1";
-        settings.encoder.threads = 1;
-        settings.threads = threads;
-        settings.memoryBudget = 1;   // the least window, so that far frames are asked for
-        std::ostringstream messages;
-        Console console(messages, false, true);
-        const RunResult result = Pipeline(&effect, console).Run(settings);
-        shown.push_back(ShownFrames(ReadBack(settings.output), ReadBack(input)));
-        decisions.emplace_back();
-        for (const FrameRecord& record : result.frames)
-            decisions.back().push_back(record.decision);
+        runs.push_back(RunOnThreads(folder, levels, &effect, threads));
     }
-    EXPECT_EQ(shown[0], shown[1]);
-    EXPECT_EQ(decisions[0], decisions[1]);
-    EXPECT_EQ(shown[0][7], 6);
-    EXPECT_EQ(shown[0][8], 9);
-    EXPECT_EQ(decisions[0][20], Decision::Spared);
+    EXPECT_EQ(runs[0].shown, runs[1].shown);
+    EXPECT_EQ(runs[0].decisions, runs[1].decisions);
+    EXPECT_EQ(runs[0].shown[7], 6);
+    EXPECT_EQ(runs[0].shown[8], 9);
+    EXPECT_EQ(runs[0].decisions[20], Decision::Spared);
 }
 
 // The real effect, loaded from the bundle, rendering frames on four threads at once from a
@@ -177,40 +189,21 @@ TEST(DeglareThreads, SameFileAndDecisionsOnAnyNumberOfThreads)
 TEST(DeglareThreads, RealEffectDecidesAlikeOnAnyNumberOfThreads)
 {
     TempFolder folder;
-    ClipRecipe recipe;
-    recipe.frameCount = 40;
-    const std::string input = folder.Path("input.mkv");
     std::vector<float> levels;
-    for (int index = 0; index < recipe.frameCount; ++index)
+    for (int index = 0; index < 40; ++index)
         levels.push_back(0.4f + 0.01f * (index % 3));
     for (int flash : {7, 20, 30})
         levels[flash] = 0.85f;
-    WriteClip(input, recipe, Scene(levels));
-
-    std::vector<std::vector<int>> shown;
-    std::vector<std::vector<Decision>> decisions;
+    std::vector<ThreadedRun> runs;
     for (int threads : {1, 4}) {
         EffectModule module(DEGLARER_BUNDLE_PATH);
-        RunSettings settings;
-        settings.input = input;
-        settings.output = folder.Path("output-" + std::to_string(threads) + ".mkv");
-        settings.encoder.codec = "ffv1";
-        settings.encoder.threads = 1;
-        settings.threads = threads;
-        settings.memoryBudget = 1;
-        std::ostringstream messages;
-        Console console(messages, false, true);
-        const RunResult result = Pipeline(module.Effect(), console).Run(settings);
-        shown.push_back(ShownFrames(ReadBack(settings.output), ReadBack(input)));
-        decisions.emplace_back();
-        for (const FrameRecord& record : result.frames)
-            decisions.back().push_back(record.decision);
+        runs.push_back(RunOnThreads(folder, levels, module.Effect(), threads));
     }
-    EXPECT_EQ(shown[0], shown[1]);
-    EXPECT_EQ(decisions[0], decisions[1]);
+    EXPECT_EQ(runs[0].shown, runs[1].shown);
+    EXPECT_EQ(runs[0].decisions, runs[1].decisions);
     for (int flash : {7, 20, 30}) {
-        EXPECT_EQ(shown[1][flash], flash - 1) << "frame " << flash;
-        EXPECT_EQ(decisions[1][flash], Decision::Replaced) << "frame " << flash;
+        EXPECT_EQ(runs[1].shown[flash], flash - 1) << "frame " << flash;
+        EXPECT_EQ(runs[1].decisions[flash], Decision::Replaced) << "frame " << flash;
     }
 }
 
