@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Sets up a Debian 12 machine for the project and builds it.
 #   ./setup.sh         install what is missing and build into build/
-#   ./setup.sh run     ... then run the demo host on its embedded clip
+#   ./setup.sh run     ... then run deglare --demo: a 1080p clip with flashes, cleaned, with a
+#                      report and a plot, all in deglare-demo/
 #   ./setup.sh test    ... then run every test: the release build, a build under
 #                      AddressSanitizer + UndefinedBehaviorSanitizer, the concurrency
 #                      tests under ThreadSanitizer, and the preset loader's fuzzer for a minute
@@ -57,7 +58,7 @@ build build -DCMAKE_BUILD_TYPE=Release
 
 case "${1:-}" in
   run)
-    ./build/host/deglarer-demo
+    ./build/deglare --demo
     ;;
   test)
     ctest --test-dir build --output-on-failure -j"$(nproc)"

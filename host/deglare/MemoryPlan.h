@@ -1,0 +1,22 @@
+#pragma once
+#include <cstddef>
+
+namespace Deglare {
+
+// How the decoded frames of a run share the memory budget: the window around the render
+// position, the outcomes waiting to be encoded, the frames kept by the far reader, and two
+// destination pictures for each render thread.
+struct MemoryPlan {
+    int windowFrames = 0;       // frames decoded ahead of and kept behind the render position
+    int keepBehind = 0;         // of them, frames kept behind the oldest render in progress
+    int pendingFrames = 0;      // outcomes rendered and not yet encoded
+    int farFrames = 0;          // frames kept by the far reader
+    size_t plannedBytes = 0;    // the most the plan can hold
+    bool raised = false;        // the budget was below the least that works, which is used instead
+};
+
+// `frameBytes`: a decoded frame with its BGRA picture; `pictureBytes`: one BGRA picture;
+// `outcomeBytes`: what an outcome waiting to be encoded holds.
+MemoryPlan PlanMemory(size_t budget, size_t frameBytes, size_t pictureBytes, size_t outcomeBytes, int renderThreads);
+
+} // namespace Deglare

@@ -1,0 +1,210 @@
+// The command-line host's threads: the window and the queue under decoding, rendering and
+// encoding threads at once, and a run that gives the same file on any number of threads, with a
+// scripted effect and with the real one.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <random>
+#include <sstream>
+#include <thread>
+
+#include "../host/deglare/EffectModule.h"
+#include "../host/deglare/FrameWindow.h"
+#include "../host/deglare/OutcomeQueue.h"
+#include "../host/deglare/Pipeline.h"
+#include "DeglareTestSupport.h"
+#include "ScriptedEffect.h"
+
+namespace {
+
+using namespace Deglare;
+using namespace DeglareTest;
+
+FramePtr MakeFrame(int index)
+{
+    FrameRef frame = AllocateFrame();
+    frame->best_effort_timestamp = index;
+    return std::make_shared<DecodedFrame>(index, std::move(frame));
+}
+
+// Frames from far away, made on request and counted.
+class FarFrames : public FrameSource {
+public:
+    explicit FarFrames(int count) : m_count(count) {}
+    FramePtr Frame(int index) override
+    {
+        if (index < 0 || index >= m_count)
+            return nullptr;
+        ++requests;
+        return MakeFrame(index);
+    }
+    std::atomic<int> requests{0};
+
+private:
+    int m_count;
+};
+
+TEST(DeglareThreads, WindowServesEveryRequestWhileFramesFlowInOrder)
+{
+    const int frameCount = 400;
+    const int renderThreads = 4;
+    FarFrames far(frameCount);
+    FrameWindow window(16, 4, &far);
+    OutcomeQueue queue(renderThreads + 2);
+    std::atomic<int> wrongFrames{0};
+    std::atomic<int> missingFrames{0};
+
+    std::thread decoder([&] {
+        for (int index = 0; index < frameCount; ++index)
+            if (!window.Push(MakeFrame(index)))
+                return;
+        window.Finish();
+    });
+    std::atomic<int> liveRenderers{renderThreads};
+    std::vector<std::thread> renderers;
+    for (int thread = 0; thread < renderThreads; ++thread)
+        renderers.emplace_back([&, thread] {
+            std::mt19937 random(thread);
+            long ordinal = 0;
+            while (FramePtr frame = window.NextToRender(&ordinal)) {
+                if (!queue.WaitForRoom(ordinal))
+                    break;
+                // Scans behind and ahead, now and then far out.
+                for (int request = 0; request < 6; ++request) {
+                    int wanted = frame->Index() + static_cast<int>(random() % 14) - 4;
+                    if (random() % 16 == 0)
+                        wanted = static_cast<int>(random() % frameCount);
+                    if (wanted < 0 || wanted >= frameCount)
+                        continue;
+                    FramePtr found = window.Frame(wanted);
+                    if (!found)
+                        ++missingFrames;
+                    else if (found->Index() != wanted)
+                        ++wrongFrames;
+                }
+                FrameOutcome outcome;
+                outcome.index = frame->Index();
+                queue.Put(ordinal, std::move(outcome));
+                window.Rendered(frame->Index());
+            }
+            if (--liveRenderers == 0)
+                queue.Finish(window.Handed());
+        });
+
+    std::vector<int> consumed;
+    FrameOutcome outcome;
+    while (queue.Take(&outcome))
+        consumed.push_back(outcome.index);
+    decoder.join();
+    for (std::thread& renderer : renderers)
+        renderer.join();
+
+    ASSERT_EQ(consumed.size(), static_cast<size_t>(frameCount));
+    for (int index = 0; index < frameCount; ++index)
+        EXPECT_EQ(consumed[index], index);
+    EXPECT_EQ(wrongFrames.load(), 0);
+    EXPECT_EQ(missingFrames.load(), 0);
+    EXPECT_GT(far.requests.load(), 0);
+}
+
+TEST(DeglareThreads, CancelReleasesEveryWaiter)
+{
+    FrameWindow window(8, 1, nullptr);
+    ASSERT_TRUE(window.Push(MakeFrame(0)));
+    ASSERT_TRUE(window.Push(MakeFrame(1)));
+    long ordinal = 0;
+    ASSERT_NE(window.NextToRender(&ordinal), nullptr);
+    ASSERT_NE(window.NextToRender(&ordinal), nullptr);
+    OutcomeQueue queue(1);
+    std::vector<std::thread> waiters;
+    waiters.emplace_back([&] { EXPECT_EQ(window.Frame(5), nullptr); });           // not decoded yet
+    waiters.emplace_back([&] { EXPECT_FALSE(window.Push(MakeFrame(20))); });      // beyond the window
+    waiters.emplace_back([&] { EXPECT_EQ(window.NextToRender(&ordinal), nullptr); });
+    waiters.emplace_back([&] { EXPECT_FALSE(queue.WaitForRoom(5)); });
+    waiters.emplace_back([&] {
+        FrameOutcome outcome;
+        EXPECT_FALSE(queue.Take(&outcome));
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    window.Cancel();
+    queue.Cancel();
+    for (std::thread& waiter : waiters)
+        waiter.join();
+}
+
+// A clip of 40 frames at levels `levels` run through `effect` on `threads` render threads with
+// the least window, so that far frames are asked for: what each output frame shows and what
+// was decided for it.
+struct ThreadedRun {
+    std::vector<int> shown;
+    std::vector<Decision> decisions;
+};
+ThreadedRun RunOnThreads(TempFolder& folder, const std::vector<float>& levels, IVideoEffect* effect, int threads)
+{
+    ClipRecipe recipe;
+    recipe.frameCount = static_cast<int>(levels.size());
+    const std::string input = folder.Path("input.mkv");
+    if (!FileExists(input))
+        WriteClip(input, recipe, Scene(levels));
+    RunSettings settings;
+    settings.input = input;
+    settings.output = folder.Path("output-" + std::to_string(threads) + ".mkv");
+    settings.encoder.codec = "ffv1";
+    settings.encoder.threads = 1;
+    settings.threads = threads;
+    settings.memoryBudget = 1;
+    std::ostringstream messages;
+    Console console(messages, false, true);
+    const RunResult result = Pipeline(effect, console).Run(settings);
+    ThreadedRun run;
+    run.shown = ShownFrames(ReadBack(settings.output), ReadBack(input));
+    for (const FrameRecord& record : result.frames)
+        run.decisions.push_back(record.decision);
+    return run;
+}
+
+TEST(DeglareThreads, SameFileAndDecisionsOnAnyNumberOfThreads)
+{
+    TempFolder folder;
+    std::vector<float> levels;
+    for (int index = 0; index < 40; ++index)
+        levels.push_back(0.4f + 0.01f * (index % 4));
+    std::vector<ThreadedRun> runs;
+    for (int threads : {1, 4}) {
+        ScriptedEffect effect;
+        effect.replacements = {{7, 6}, {8, 9}, {30, 31}};
+        effect.spared = {20};
+        effect.looksAt = {{5, {6, 7, 8, 9, 10, 11}}, {25, {35, 36, 2}}};
+        runs.push_back(RunOnThreads(folder, levels, &effect, threads));
+    }
+    EXPECT_EQ(runs[0].shown, runs[1].shown);
+    EXPECT_EQ(runs[0].decisions, runs[1].decisions);
+    EXPECT_EQ(runs[0].shown[7], 6);
+    EXPECT_EQ(runs[0].shown[8], 9);
+    EXPECT_EQ(runs[0].decisions[20], Decision::Spared);
+}
+
+// The real effect, loaded from the bundle, rendering frames on four threads at once from a
+// window too small for its scans: the same pictures and decisions as on one thread.
+TEST(DeglareThreads, RealEffectDecidesAlikeOnAnyNumberOfThreads)
+{
+    TempFolder folder;
+    std::vector<float> levels;
+    for (int index = 0; index < 40; ++index)
+        levels.push_back(0.4f + 0.01f * (index % 3));
+    for (int flash : {7, 20, 30})
+        levels[flash] = 0.85f;
+    std::vector<ThreadedRun> runs;
+    for (int threads : {1, 4}) {
+        EffectModule module(DEGLARER_BUNDLE_PATH);
+        runs.push_back(RunOnThreads(folder, levels, module.Effect(), threads));
+    }
+    EXPECT_EQ(runs[0].shown, runs[1].shown);
+    EXPECT_EQ(runs[0].decisions, runs[1].decisions);
+    for (int flash : {7, 20, 30}) {
+        EXPECT_EQ(runs[1].shown[flash], flash - 1) << "frame " << flash;
+        EXPECT_EQ(runs[1].decisions[flash], Decision::Replaced) << "frame " << flash;
+    }
+}
+
+} // namespace

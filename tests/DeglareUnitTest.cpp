@@ -1,0 +1,444 @@
+// The parts of the command-line host that stand on their own: slider positions, options,
+// measuring, reading marks, runs, progress, memory planning and frame numbering.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <sstream>
+
+#include "../host/deglare/BandFigures.h"
+#include "../host/deglare/DecodedFrame.h"
+#include "../host/deglare/DemoFootage.h"
+#include "../host/deglare/FlashRuns.h"
+#include "../host/deglare/FrameIndex.h"
+#include "../host/deglare/FrameNumbering.h"
+#include "../host/deglare/MarkReader.h"
+#include "../host/deglare/MemoryPlan.h"
+#include "../host/deglare/Options.h"
+#include "../host/deglare/Progress.h"
+#include "../host/deglare/SliderPositions.h"
+#include "../host/deglare/Summary.h"
+
+extern "C" {
+#include <libavutil/avutil.h>
+}
+
+namespace {
+
+using namespace Deglare;
+
+float FromBits(uint32_t bits)
+{
+    float value;
+    std::memcpy(&value, &bits, sizeof(value));
+    return value;
+}
+
+// The effect's decoding of a slider position, written out as its contract states it, apart
+// from the host's own mirror.
+int ContractTenth(float position)
+{
+    const float t = std::trunc(position * 10.0f);
+    return static_cast<int>(t);
+}
+
+int ContractLimit(float position)
+{
+    const float product = 9.0f * position;
+    return std::min(std::max(static_cast<int>(std::trunc(product)) + 1, 1), 10);
+}
+
+TEST(DeglareSliders, EverySensitivityDecodesToItsTenthAndShowsAsItself)
+{
+    const float thresholds[11] = {0.1f,    0.0991f, 0.0964f, 0.0919f, 0.0856f, 0.0775f,
+                                  0.0676f, 0.0559f, 0.0424f, 0.0271f, 0.01f};
+    for (int shown = 0; shown <= 100; ++shown) {
+        const float position = SensitivityPosition(shown);
+        EXPECT_EQ(ContractTenth(position), shown / 10) << "sensitivity " << shown;
+        EXPECT_EQ(ShownSensitivity(position), shown);
+        const float u = static_cast<float>(ContractTenth(position)) / 10.0f;
+        const float threshold = (1.0f - u * u) * FromBits(0x3DB851EC) + FromBits(0x3C23D70A);
+        EXPECT_NEAR(threshold, thresholds[shown / 10], 1e-6f) << "sensitivity " << shown;
+    }
+}
+
+TEST(DeglareSliders, EveryMaxFramesDecodesToItself)
+{
+    for (int frames = 1; frames <= 10; ++frames) {
+        const float position = MaxFramesPosition(frames);
+        EXPECT_EQ(ContractLimit(position), frames) << "max frames " << frames;
+        EXPECT_EQ(DecodedMaxFrames(position), frames);
+        EXPECT_GE(position, 0.0f);
+        EXPECT_LE(position, 1.0f);
+    }
+}
+
+TEST(DeglareSliders, MirrorDecodesTheStockPresetPositions)
+{
+    const struct {
+        uint32_t bits;
+        int limit;
+    } cases[] = {{0x3EAAAAAB, 4}, {0x3EAAAA9F, 3}, {0x3DE38E2A, 1}, {0x00000000, 1}, {0x3F800000, 10}, {0x3E4CCCCD, 2}};
+    for (const auto& test : cases)
+        EXPECT_EQ(DecodedMaxFrames(FromBits(test.bits)), test.limit) << std::hex << test.bits;
+}
+
+struct ParseCase {
+    std::vector<const char*> arguments;
+    ParseResult result;
+};
+
+ParseResult Parse(const std::vector<const char*>& arguments, Options* options = nullptr, std::string* text = nullptr)
+{
+    std::vector<const char*> argv = {"deglare"};
+    argv.insert(argv.end(), arguments.begin(), arguments.end());
+    Options parsed;
+    std::ostringstream out, err;
+    const ParseResult result = ParseOptions(static_cast<int>(argv.size()), argv.data(), parsed, out, err);
+    if (options != nullptr)
+        *options = parsed;
+    if (text != nullptr)
+        *text = out.str() + err.str();
+    return result;
+}
+
+TEST(DeglareOptions, RangesAndCombinationsAreChecked)
+{
+    const ParseCase cases[] = {
+        {{"in.mp4", "out.mp4"}, ParseResult::Run},
+        {{"in.mp4", "out.mp4", "--sensitivity", "0", "--max-frames", "10"}, ParseResult::Run},
+        {{"in.mp4", "out.mp4", "--sensitivity", "100", "--max-frames", "1"}, ParseResult::Run},
+        {{"in.mp4", "out.mp4", "--sensitivity", "101"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--sensitivity", "-1"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--sensitivity", "high"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--max-frames", "0"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--max-frames", "11"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--threads", "0"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--threads", "4"}, ParseResult::Run},
+        {{"in.mp4", "out.mp4", "--memory", "10"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--crf", "18", "--bitrate", "8M"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--crf", "64"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--bitrate", "fast"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--report", "r.txt"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--report", "r.CSV", "--plot", "p.svg"}, ParseResult::Run},
+        {{"in.mp4", "out.mp4", "--plot", "p.jpg"}, ParseResult::Invalid},
+        {{"in.mp4", "out.mp4", "--no-such-option"}, ParseResult::Invalid},
+        {{"in.mp4"}, ParseResult::Invalid},
+        {{}, ParseResult::Invalid},
+        {{"in.mp4", "--analyze"}, ParseResult::Run},
+        {{"in.mp4", "out.mp4", "--analyze"}, ParseResult::Invalid},
+        {{"--demo"}, ParseResult::Run},
+        {{"--demo", "in.mp4"}, ParseResult::Invalid},
+        {{"--help"}, ParseResult::Done},
+        {{"--version"}, ParseResult::Done},
+    };
+    for (const ParseCase& test : cases) {
+        std::string line;
+        for (const char* argument : test.arguments)
+            line += std::string(argument) + " ";
+        EXPECT_EQ(Parse(test.arguments), test.result) << line;
+    }
+}
+
+TEST(DeglareOptions, ValuesAreRead)
+{
+    Options options;
+    ASSERT_EQ(Parse({"a.mov", "b.mkv", "--sensitivity", "35", "--max-frames", "4", "--bitrate", "2500k", "--codec",
+                     "ffv1", "--test-mode", "--sequential", "--threads", "3", "--memory", "512", "--quiet"},
+                    &options),
+              ParseResult::Run);
+    EXPECT_EQ(options.input, "a.mov");
+    EXPECT_EQ(options.output, "b.mkv");
+    EXPECT_EQ(options.sensitivity, 35);
+    EXPECT_EQ(options.maxFrames, 4);
+    EXPECT_EQ(options.encoder.bitrate, 2500000u);
+    EXPECT_EQ(options.encoder.codec, "ffv1");
+    EXPECT_TRUE(options.testMode && options.sequential && options.quiet);
+    EXPECT_EQ(options.threads, 3);
+    EXPECT_EQ(options.memoryMegabytes, 512u);
+
+    ASSERT_EQ(Parse({"a.mov", "b.mkv"}, &options), ParseResult::Run);
+    EXPECT_FALSE(options.sensitivity.has_value());
+    EXPECT_FALSE(options.maxFrames.has_value());
+    EXPECT_EQ(options.encoder.codec, "libx264");
+
+    std::string help;
+    ASSERT_EQ(Parse({"--help"}, nullptr, &help), ParseResult::Done);
+    for (const char* option : {"--sensitivity", "--max-frames", "--preset", "--test-mode", "--sequential",
+                               "--analyze", "--report", "--plot", "--codec", "--crf", "--bitrate", "--threads",
+                               "--quiet", "--demo", "--bundle", "--memory"})
+        EXPECT_NE(help.find(option), std::string::npos) << option;
+    std::string complaint;
+    Parse({"in.mp4", "out.mp4", "--max-frames", "12"}, nullptr, &complaint);
+    EXPECT_EQ(std::count(complaint.begin(), complaint.end(), '\n'), 1) << complaint;
+    EXPECT_EQ(complaint.rfind("deglare: ", 0), 0u) << complaint;
+}
+
+// A picture filled by `fill(x, y, pixel)`.
+template <typename Fill>
+Picture Painted(int width, int height, Fill fill)
+{
+    Picture picture(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            fill(x, y, picture.Row(y) + 4 * x);
+    return picture;
+}
+
+// The published measuring rule pixel by pixel, as the effect works it.
+BandFigures MeasurePixelByPixel(const Picture& picture)
+{
+    const int height = picture.Height();
+    const int width = picture.Width();
+    const int q = height / 4;
+    double sums[4] = {};
+    for (int r = 0; r < height; ++r) {
+        double w[4] = {};
+        if (r < q) {
+            w[0] = 1;
+            w[1] = static_cast<double>(r) / q;
+        } else if (r < 2 * q) {
+            w[0] = static_cast<double>(2 * q - r) / q;
+            w[1] = 1;
+            w[2] = static_cast<double>(r - q) / q;
+        } else if (r < 3 * q) {
+            w[1] = static_cast<double>(3 * q - r) / q;
+            w[2] = 1;
+            w[3] = static_cast<double>(r - 2 * q) / q;
+        } else {
+            w[2] = static_cast<double>(height - r) / q;
+            w[3] = 1;
+        }
+        for (int x = 0; x < width; ++x) {
+            const uint8_t* pixel = picture.Row(r) + 4 * x;
+            const int luminance = (76 * pixel[2] + 149 * pixel[1] + 30 * pixel[0]) >> 8;
+            for (int band = 0; band < 4; ++band)
+                sums[band] += luminance * w[band];
+        }
+    }
+    BandFigures figures;
+    for (int band = 0; band < 4; ++band) {
+        const double weight = (band == 0 || band == 3 ? 1.5 : 2.0) * width * q;
+        figures.band[band] = static_cast<float>(sums[band] / weight) / 255.0f;
+    }
+    return figures;
+}
+
+TEST(DeglareBands, MeasureByThePublishedRule)
+{
+    const Picture white = Painted(64, 48, [](int, int, uint8_t* p) { std::memset(p, 255, 4); });
+    const Picture black = Painted(64, 48, [](int, int, uint8_t* p) { std::memset(p, 0, 4); });
+    const Picture topQuarter = Painted(64, 48, [](int, int y, uint8_t* p) { std::memset(p, y < 12 ? 255 : 0, 4); });
+    // Each band's row weights over 48 rows, against the nominal sums 18, 24, 24 and 18: the
+    // edge bands see half a row more or less than their share.
+    const double whiteShares[4] = {18.5 / 18.0, 1.0, 1.0, 17.5 / 18.0};
+    for (int band = 0; band < 4; ++band)
+        EXPECT_NEAR(MeasureBands(white).band[band], whiteShares[band] * 254.0 / 255.0, 1e-6) << band;
+    for (float band : MeasureBands(black).band)
+        EXPECT_EQ(band, 0.0f);
+    const BandFigures top = MeasureBands(topQuarter);
+    EXPECT_NEAR(top.band[0], 12.0 / 18.0 * 254.0 / 255.0, 1e-6);
+    EXPECT_NEAR(top.band[1], 5.5 / 24.0 * 254.0 / 255.0, 1e-6);
+    EXPECT_EQ(top.band[2], 0.0f);
+    EXPECT_EQ(top.band[3], 0.0f);
+    EXPECT_FLOAT_EQ(top.Sum(), top.band[0] + top.band[1]);
+
+    // Row sums stand for the pixels: the same figures on noise, with rows left over.
+    std::mt19937 random(7);
+    for (const auto& size : {std::make_pair(37, 29), std::make_pair(64, 48), std::make_pair(5, 7)}) {
+        const Picture noise = Painted(size.first, size.second, [&](int, int, uint8_t* p) {
+            for (int channel = 0; channel < 4; ++channel)
+                p[channel] = static_cast<uint8_t>(random());
+        });
+        const BandFigures fast = MeasureBands(noise);
+        const BandFigures reference = MeasurePixelByPixel(noise);
+        for (int band = 0; band < 4; ++band)
+            EXPECT_FLOAT_EQ(fast.band[band], reference.band[band]) << size.first << "x" << size.second;
+    }
+    // Fewer than four rows: no bands, no fault.
+    for (float band : MeasureBands(Painted(8, 3, [](int, int, uint8_t* p) { std::memset(p, 200, 4); })).band)
+        EXPECT_EQ(band, 0.0f);
+}
+
+TEST(DeglareMarks, CrossColourTellsReplacedFromSpared)
+{
+    const auto grey = [](int, int, uint8_t* p) { p[0] = p[1] = p[2] = 120, p[3] = 255; };
+    const Picture source = Painted(40, 30, grey);
+    // A smoothed line blends towards its colour; the centre pixels are solid.
+    const auto crossed = [&](uint8_t red, uint8_t blue) {
+        return Painted(40, 30, [&](int x, int y, uint8_t* p) {
+            grey(x, y, p);
+            const int distance = std::abs(x * 30 / 40 - y);
+            if (distance <= 1) {
+                const int share = distance == 0 ? 255 : 96;
+                p[2] = static_cast<uint8_t>((red * share + p[2] * (255 - share)) / 255);
+                p[1] = static_cast<uint8_t>(p[1] * (255 - share) / 255);
+                p[0] = static_cast<uint8_t>((blue * share + p[0] * (255 - share)) / 255);
+            }
+        });
+    };
+    EXPECT_EQ(ReadMark(Painted(40, 30, grey), source), Mark::None);
+    EXPECT_EQ(ReadMark(crossed(255, 0), source), Mark::Red);
+    EXPECT_EQ(ReadMark(crossed(0, 255), source), Mark::Blue);
+}
+
+std::vector<FrameRecord> Records(const std::vector<Decision>& decisions)
+{
+    std::vector<FrameRecord> records;
+    for (size_t index = 0; index < decisions.size(); ++index) {
+        FrameRecord record;
+        record.index = static_cast<int>(index);
+        record.time = index * 0.04;
+        record.decision = decisions[index];
+        record.substitute = decisions[index] == Decision::Replaced ? static_cast<int>(index) - 1 : -1;
+        records.push_back(record);
+    }
+    return records;
+}
+
+TEST(DeglareRuns, NeighbouringFlaggedFramesFormOneRun)
+{
+    const Decision K = Decision::Kept, R = Decision::Replaced, S = Decision::Spared;
+    const std::vector<FrameRecord> records = Records({K, R, K, K, R, R, S, K, S, K, R});
+    const std::vector<FlashRun> runs = FindFlashRuns(records);
+    ASSERT_EQ(runs.size(), 4u);
+    const int expected[4][4] = {{1, 1, 1, 0}, {4, 6, 2, 1}, {8, 8, 0, 1}, {10, 10, 1, 0}};
+    for (int run = 0; run < 4; ++run) {
+        EXPECT_EQ(runs[run].first, expected[run][0]);
+        EXPECT_EQ(runs[run].last, expected[run][1]);
+        EXPECT_EQ(runs[run].replaced, expected[run][2]);
+        EXPECT_EQ(runs[run].spared, expected[run][3]);
+    }
+    EXPECT_EQ(CountReplaced(records), 4);
+    EXPECT_EQ(SummaryLine(records, 2.345), "11 frames read, 4 flashes found, 4 frames replaced, in 2.3 s");
+    const std::vector<std::string> lines = RunLines(records);
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_EQ(lines[1], "frames 4-6 at 0.16 s: 4 replaced by 3; 5 replaced by 4; 6 spared");
+
+    // A frame lost between two flagged ones splits them.
+    std::vector<FrameRecord> gap = Records({K, R, R});
+    gap[2].index = 3;
+    EXPECT_EQ(FindFlashRuns(gap).size(), 2u);
+    EXPECT_EQ(SummaryLine(Records({K}), 0.0), "1 frame read, 0 flashes found, 0 frames replaced, in 0.0 s");
+}
+
+TEST(DeglareProgress, TellsFramesRateAndTimeLeft)
+{
+    EXPECT_EQ(Progress::Describe(50, 200, 10.0, false), "50/200 frames  5.0 fps  0:30 left");
+    EXPECT_EQ(Progress::Describe(0, 200, 0.0, false), "0/200 frames  0.0 fps  --:-- left");
+    EXPECT_EQ(Progress::Describe(100, 4000, 1.0, false), "100/4000 frames  100.0 fps  0:39 left");
+    EXPECT_EQ(Progress::Describe(1, 40000, 1.0, false), "1/40000 frames  1.0 fps  11:06:39 left");
+    const std::string bar = Progress::Describe(15, 30, 3.0, true);
+    EXPECT_EQ(bar.substr(0, 32), "[" + std::string(15, '#') + std::string(15, '.') + "]");
+}
+
+TEST(DeglareMemory, PlanStaysInTheBudgetAndFourKFitsTwoGigabytes)
+{
+    const size_t megabyte = size_t(1) << 20;
+    struct Case {
+        int width, height;
+        AVPixelFormat format;
+        int threads;
+    };
+    const Case cases[] = {{1920, 1080, AV_PIX_FMT_YUV420P, 2}, {1920, 1080, AV_PIX_FMT_YUV420P, 16},
+                          {3840, 2160, AV_PIX_FMT_YUV420P, 2}, {3840, 2160, AV_PIX_FMT_YUV420P10LE, 2},
+                          {3840, 2160, AV_PIX_FMT_YUV444P10LE, 8}};
+    for (const Case& test : cases) {
+        const size_t picture = Picture::BytesFor(test.width, test.height);
+        const size_t frame = DecodedFrame::BytesFor(test.width, test.height, test.format);
+        const MemoryPlan plan = PlanMemory(1024 * megabyte, frame, picture, frame - picture, test.threads);
+        SCOPED_TRACE(std::to_string(test.width) + "x" + std::to_string(test.height) + " on " +
+                     std::to_string(test.threads) + " threads");
+        EXPECT_GE(plan.windowFrames, test.threads + 10);
+        EXPECT_GE(plan.keepBehind, 2);
+        EXPECT_LT(plan.keepBehind, plan.windowFrames);
+        if (!plan.raised) {
+            EXPECT_LE(plan.plannedBytes, 1024 * megabyte);
+        }
+        if (test.threads <= 2) {
+            EXPECT_LE(plan.plannedBytes, 1280 * megabyte) << "leaves the encoder its share of 2 GB";
+        }
+    }
+    // Small frames get the longest window, and no more.
+    const MemoryPlan small = PlanMemory(1024 * megabyte, 20000, 12288, 7712, 2);
+    EXPECT_EQ(small.windowFrames, 32);
+    EXPECT_FALSE(small.raised);
+}
+
+TEST(DeglareFrameIndex, FindsFramesByTimestampInPresentationOrder)
+{
+    FrameIndex index;
+    for (int64_t pts : {0, 3000, 1000, 2000, 6000, 4000})   // decode order of a stream with B-frames
+        index.Add(pts);
+    index.Finish();
+    EXPECT_EQ(index.Count(), 6);
+    EXPECT_TRUE(index.Timed());
+    EXPECT_EQ(index.IndexOf(4000), 4);
+    EXPECT_EQ(index.IndexOf(6000), 5);
+    EXPECT_EQ(index.IndexOf(5000), FrameIndex::kNotFound);
+    EXPECT_EQ(index.PtsOf(2), 2000);
+    EXPECT_EQ(index.PtsOf(6), AV_NOPTS_VALUE);
+
+    FrameNumbering numbering(index);
+    numbering.StartAtBeginning();
+    EXPECT_EQ(numbering.Number(0), 0);
+    EXPECT_EQ(numbering.Number(2000), 2) << "a frame lost to damage leaves a gap";
+    EXPECT_EQ(numbering.Number(AV_NOPTS_VALUE), 3) << "no timestamp: the next one";
+    numbering.StartAfterSeek();
+    EXPECT_EQ(numbering.Number(AV_NOPTS_VALUE), FrameNumbering::kUnknown);
+    EXPECT_EQ(numbering.Number(3000), 3);
+    EXPECT_EQ(numbering.Number(AV_NOPTS_VALUE), 4);
+
+    FrameIndex untimed;
+    for (int64_t pts : {0, 1000, 1000})
+        untimed.Add(pts);
+    untimed.Finish();
+    EXPECT_EQ(untimed.Count(), 3);
+    EXPECT_FALSE(untimed.Timed()) << "two frames with one timestamp can't be told apart";
+    FrameIndex noTimes;
+    noTimes.Add(AV_NOPTS_VALUE);
+    noTimes.Finish();
+    EXPECT_FALSE(noTimes.Timed());
+    EXPECT_EQ(noTimes.IndexOf(0), FrameIndex::kNotFound);
+}
+
+// The demo's clip holds the flashes it tells of: each one a jump of every band, or of the lower
+// bands only, and the lamp a jump that lasts.
+TEST(DeglareDemo, FootageHoldsTheFlashesItClaims)
+{
+    const auto bandsOf = [](int index) {
+        Picture picture(DemoFootage::kWidth, DemoFootage::kHeight);
+        DemoFootage::Paint(index, picture);
+        return MeasureBands(picture);
+    };
+    const auto rise = [](const BandFigures& from, const BandFigures& to, int band) {
+        return (to.band[band] - from.band[band]) / to.band[band];
+    };
+    const std::vector<DemoFootage::Event>& events = DemoFootage::Events();
+    ASSERT_EQ(events.size(), 4u);
+    for (const DemoFootage::Event& event : events) {
+        SCOPED_TRACE(event.what);
+        const BandFigures before = bandsOf(event.first - 1);
+        const BandFigures flashed = bandsOf(event.first);
+        const bool partial = std::string(event.what).find("partial") != std::string::npos;
+        for (int band = 0; band < 4; ++band) {
+            if (partial && band == 0)
+                EXPECT_LT(rise(before, flashed, band), 0.02f) << "band " << band;
+            else
+                EXPECT_GT(rise(before, flashed, band), 0.25f) << "band " << band;
+        }
+        if (event.last + 1 < DemoFootage::kFrameCount - 1 && std::string(event.what).find("lamp") == std::string::npos) {
+            const BandFigures after = bandsOf(event.last + 1);
+            for (int band = 0; band < 4; ++band)
+                EXPECT_LT(std::fabs(rise(before, after, band)), 0.03f) << "the scene comes back, band " << band;
+        }
+    }
+    // The lamp stays on to the end.
+    const BandFigures lampOn = bandsOf(events.back().first);
+    const BandFigures last = bandsOf(DemoFootage::kFrameCount - 1);
+    for (int band = 0; band < 4; ++band)
+        EXPECT_LT(std::fabs(rise(lampOn, last, band)), 0.03f);
+}
+
+} // namespace
