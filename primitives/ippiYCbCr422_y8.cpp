@@ -1,4 +1,4 @@
-// Packed 4:2:2 conversions with SSE4.1, four pixels at a time in 32-bit lanes, with the plain
+// Packed 4:2:2 conversions with SSE4.1, eight pixels at a time in 32-bit lanes, with the plain
 // kernels' integer arithmetic. Built with -msse4.1 only.
 #include <smmintrin.h>
 
@@ -11,32 +11,48 @@ __m128i Times(__m128i v, int factor)
     return _mm_mullo_epi32(v, _mm_set1_epi32(factor));
 }
 
+// The high 16 bits of each 32-bit lane of `even` and `odd`, as eight 16-bit lanes taken in turn
+// from the two: (x >> 16) for sums whose results fit 16 signed bits.
+__m128i HighHalves(__m128i even, __m128i odd)
+{
+    return _mm_blend_epi16(_mm_srli_epi32(even, 16), odd, 0xaa);
+}
+
 } // namespace
 
+// The even pixels of four pairs in one vector and the odd ones in another, so that the pairs'
+// chroma terms, worked out once a pair, add to both as they stand; the results' high halves then
+// interleave back into pixel order.
 void Sse41Rows::YCbCr422ToBGR(const uint8_t* s, uint8_t* d, size_t n, uint8_t alphaValue)
 {
-    const __m128i takeY = _mm_setr_epi8(0, -1, -1, -1, 2, -1, -1, -1, 4, -1, -1, -1, 6, -1, -1, -1);
-    const __m128i takeCb = _mm_setr_epi8(1, -1, -1, -1, 1, -1, -1, -1, 5, -1, -1, -1, 5, -1, -1, -1);
-    const __m128i takeCr = _mm_setr_epi8(3, -1, -1, -1, 3, -1, -1, -1, 7, -1, -1, -1, 7, -1, -1, -1);
-    const __m128i interleave = _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
-    const __m128i alpha = _mm_set1_epi32(alphaValue);
+    const __m128i takeEvenY = _mm_setr_epi8(0, -1, -1, -1, 4, -1, -1, -1, 8, -1, -1, -1, 12, -1, -1, -1);
+    const __m128i takeOddY = _mm_setr_epi8(2, -1, -1, -1, 6, -1, -1, -1, 10, -1, -1, -1, 14, -1, -1, -1);
+    const __m128i takeCb = _mm_setr_epi8(1, -1, -1, -1, 5, -1, -1, -1, 9, -1, -1, -1, 13, -1, -1, -1);
+    const __m128i takeCr = _mm_setr_epi8(3, -1, -1, -1, 7, -1, -1, -1, 11, -1, -1, -1, 15, -1, -1, -1);
+    const __m128i alpha = _mm_set1_epi16(alphaValue);
     size_t x = 0;
-    for (; x + 4 <= n; x += 4) {
-        const __m128i packed = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(s + 2 * x));
-        const __m128i luma = Times(_mm_shuffle_epi8(packed, takeY), 76284);
+    for (; x + 8 <= n; x += 8) {
+        const __m128i packed = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + 2 * x));
+        const __m128i evenLuma = Times(_mm_shuffle_epi8(packed, takeEvenY), 76284);
+        const __m128i oddLuma = Times(_mm_shuffle_epi8(packed, takeOddY), 76284);
         const __m128i cb = _mm_shuffle_epi8(packed, takeCb);
         const __m128i cr = _mm_shuffle_epi8(packed, takeCr);
+        const __m128i blueChroma = _mm_add_epi32(Times(cb, 132186), _mm_set1_epi32(-18140365));
+        const __m128i greenChroma =
+            _mm_add_epi32(_mm_add_epi32(Times(cr, -53281), Times(cb, -25690)), _mm_set1_epi32(8887730));
+        const __m128i redChroma = _mm_add_epi32(Times(cr, 104595), _mm_set1_epi32(-14608761));
         const __m128i blue =
-            _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(luma, Times(cb, 132186)), _mm_set1_epi32(-18140365)), 16);
-        const __m128i green = _mm_srai_epi32(
-            _mm_add_epi32(_mm_sub_epi32(_mm_sub_epi32(luma, Times(cr, 53281)), Times(cb, 25690)),
-                          _mm_set1_epi32(8887730)),
-            16);
-        const __m128i red =
-            _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(luma, Times(cr, 104595)), _mm_set1_epi32(-14608761)), 16);
-        // Both packs saturate, which limits each result to 0 to 255.
-        const __m128i planes = _mm_packus_epi16(_mm_packs_epi32(blue, green), _mm_packs_epi32(red, alpha));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 4 * x), _mm_shuffle_epi8(planes, interleave));
+            HighHalves(_mm_add_epi32(evenLuma, blueChroma), _mm_add_epi32(oddLuma, blueChroma));
+        const __m128i green =
+            HighHalves(_mm_add_epi32(evenLuma, greenChroma), _mm_add_epi32(oddLuma, greenChroma));
+        const __m128i red = HighHalves(_mm_add_epi32(evenLuma, redChroma), _mm_add_epi32(oddLuma, redChroma));
+        // The pack saturates, which limits each result to 0 to 255.
+        const __m128i blueRed = _mm_packus_epi16(blue, red);
+        const __m128i greenAlpha = _mm_packus_epi16(green, alpha);
+        const __m128i blueGreen = _mm_unpacklo_epi8(blueRed, greenAlpha);
+        const __m128i redAlpha = _mm_unpackhi_epi8(blueRed, greenAlpha);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 4 * x), _mm_unpacklo_epi16(blueGreen, redAlpha));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 4 * x + 16), _mm_unpackhi_epi16(blueGreen, redAlpha));
     }
     PlainRows::YCbCr422ToBGR(s + 2 * x, d + 4 * x, n - x, alphaValue);
 }
