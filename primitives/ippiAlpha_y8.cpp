@@ -1,5 +1,4 @@
-// Alpha compositing and premultiplication with SSE4.1, four pixels at a time as two vectors of
-// 16-bit lanes, one pixel's four samples in four lanes. Built with -msse4.1 only.
+// Alpha compositing and premultiplication with SSE4.1 in 16-bit lanes. Built with -msse4.1 only.
 #include <smmintrin.h>
 
 #include "ippdefs.h"
@@ -24,9 +23,8 @@ void Store(uint8_t* p, __m128i bytes)
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
 }
 
-// Four pixels' bytes widened to two vectors of 16-bit lanes, and the shuffles that spread one byte
-// of each pixel over the pixel's four lanes: the alpha (byte 3), or the alpha in the three colour
-// lanes and byte 0 in the alpha lane, for pixels whose byte 0 was first set to 255.
+// Four pixels' bytes widened to two vectors of 16-bit lanes, a pixel's four samples in four lanes,
+// and each pixel's alpha spread over its four lanes.
 struct Lanes {
     __m128i low;
     __m128i high;
@@ -43,33 +41,54 @@ Lanes SpreadAlpha(__m128i bytes)
             _mm_shuffle_epi8(bytes, _mm_setr_epi8(11, -1, 11, -1, 11, -1, 11, -1, 15, -1, 15, -1, 15, -1, 15, -1))};
 }
 
-// Alpha in the colour lanes and 255 in the alpha lane, so that m(v x factor) premultiplies the
-// colours and keeps alpha, as m(255 x) = x.
-Lanes PremulFactors(__m128i bytes)
-{
-    const __m128i marked = _mm_or_si128(bytes, _mm_set1_epi32(0xff));
-    return {_mm_shuffle_epi8(marked, _mm_setr_epi8(3, -1, 3, -1, 3, -1, 0, -1, 7, -1, 7, -1, 7, -1, 4, -1)),
-            _mm_shuffle_epi8(marked, _mm_setr_epi8(11, -1, 11, -1, 11, -1, 8, -1, 15, -1, 15, -1, 15, -1, 12, -1))};
-}
-
 __m128i Weigh(__m128i samples, __m128i factors)
 {
     return Divide255(_mm_mullo_epi16(samples, factors));
 }
 
-// Over on straight colours: m(s1 a) + m((255 - a) m(s2 b)); alpha a + m((255 - a) b).
-__m128i Over(__m128i first, __m128i second)
+// Eight pixels' samples as four planes of 16-bit lanes, one plane a channel, so that alpha needs
+// no spreading and the alpha plane only the arithmetic it needs itself.
+struct Planes {
+    __m128i blue;
+    __m128i green;
+    __m128i red;
+    __m128i alpha;
+};
+
+Planes Deinterleave(__m128i first, __m128i second)
 {
-    const Lanes firstLanes = Widen(first);
-    const Lanes firstFactors = PremulFactors(first);
-    const Lanes secondLanes = Widen(second);
-    const Lanes secondFactors = PremulFactors(second);
-    const Lanes rest = SpreadAlpha(_mm_xor_si128(first, _mm_set1_epi8(-1)));
-    const __m128i low = _mm_add_epi16(Weigh(firstLanes.low, firstFactors.low),
-                                      Weigh(rest.low, Weigh(secondLanes.low, secondFactors.low)));
-    const __m128i high = _mm_add_epi16(Weigh(firstLanes.high, firstFactors.high),
-                                       Weigh(rest.high, Weigh(secondLanes.high, secondFactors.high)));
-    return _mm_packus_epi16(low, high);
+    const __m128i byChannel = _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
+    const __m128i a = _mm_shuffle_epi8(first, byChannel);
+    const __m128i b = _mm_shuffle_epi8(second, byChannel);
+    const __m128i blueGreen = _mm_unpacklo_epi32(a, b);
+    const __m128i redAlpha = _mm_unpackhi_epi32(a, b);
+    return {_mm_cvtepu8_epi16(blueGreen), _mm_unpackhi_epi8(blueGreen, _mm_setzero_si128()),
+            _mm_cvtepu8_epi16(redAlpha), _mm_unpackhi_epi8(redAlpha, _mm_setzero_si128())};
+}
+
+// Back to eight pixels of bytes, limited to 0 to 255 by the packs.
+void Interleave(const Planes& planes, uint8_t* d)
+{
+    const __m128i blueGreen = _mm_packus_epi16(planes.blue, planes.green);
+    const __m128i redAlpha = _mm_packus_epi16(planes.red, planes.alpha);
+    const __m128i blueRed = _mm_unpacklo_epi8(blueGreen, redAlpha);
+    const __m128i greenAlpha = _mm_unpackhi_epi8(blueGreen, redAlpha);
+    Store(d, _mm_unpacklo_epi8(blueRed, greenAlpha));
+    Store(d + 16, _mm_unpackhi_epi8(blueRed, greenAlpha));
+}
+
+// Over on straight colours: m(s1 a) + m((255 - a) m(s2 b)); alpha a + m((255 - a) b).
+void Over(const uint8_t* s1, const uint8_t* s2, uint8_t* d)
+{
+    const Planes first = Deinterleave(Load(s1), Load(s1 + 16));
+    const Planes second = Deinterleave(Load(s2), Load(s2 + 16));
+    const __m128i rest = _mm_xor_si128(first.alpha, _mm_set1_epi16(255));
+    const auto colour = [&](__m128i mine, __m128i behind) {
+        return _mm_add_epi16(Weigh(mine, first.alpha), Weigh(rest, Weigh(behind, second.alpha)));
+    };
+    Interleave({colour(first.blue, second.blue), colour(first.green, second.green), colour(first.red, second.red),
+                _mm_add_epi16(first.alpha, Weigh(rest, second.alpha))},
+               d);
 }
 
 // Over on premultiplied colours: s1 + m((255 - a) s2), limited to 255 by the pack; alpha the same.
@@ -92,12 +111,19 @@ __m128i Premultiply(__m128i pixels)
     return _mm_blendv_epi8(weighed, pixels, _mm_set1_epi32(static_cast<int>(0xff000000)));
 }
 
-template <__m128i (*Rule)(__m128i, __m128i)>
-size_t Composite(const uint8_t* s1, const uint8_t* s2, uint8_t* d, size_t n)
+size_t CompositeOver(const uint8_t* s1, const uint8_t* s2, uint8_t* d, size_t n)
+{
+    size_t x = 0;
+    for (; x + 8 <= n; x += 8)
+        Over(s1 + 4 * x, s2 + 4 * x, d + 4 * x);
+    return x;
+}
+
+size_t CompositeOverPremul(const uint8_t* s1, const uint8_t* s2, uint8_t* d, size_t n)
 {
     size_t x = 0;
     for (; x + 4 <= n; x += 4)
-        Store(d + 4 * x, Rule(Load(s1 + 4 * x), Load(s2 + 4 * x)));
+        Store(d + 4 * x, OverPremul(Load(s1 + 4 * x), Load(s2 + 4 * x)));
     return x;
 }
 
@@ -108,9 +134,9 @@ void Sse41Rows::AlphaComp(const uint8_t* s1, const uint8_t* s2, uint8_t* d, size
 {
     size_t done = 0;
     if (alphaType == ippAlphaOver)
-        done = Composite<Over>(s1, s2, d, n);
+        done = CompositeOver(s1, s2, d, n);
     else if (alphaType == ippAlphaOverPremul)
-        done = Composite<OverPremul>(s1, s2, d, n);
+        done = CompositeOverPremul(s1, s2, d, n);
     PlainRows::AlphaComp(s1 + 4 * done, s2 + 4 * done, d + 4 * done, n - done, alphaType);
 }
 
