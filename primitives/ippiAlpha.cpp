@@ -60,8 +60,7 @@ IppStatus AlphaPremul(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, 
         return ippStsNullPtrErr;
     if (!IppRegion::Holds(roiSize))
         return ippStsSizeErr;
-    for (int y = 0; y < roiSize.height; ++y)
-        premul(Row(pSrc, srcStep, y), Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width));
+    IppRegion::EachRow(pSrc, srcStep, pDst, dstStep, roiSize, premul);
     return ippStsNoErr;
 }
 

@@ -4,8 +4,6 @@
 #include "ippiRows.h"
 #include "ippiVariants.h"
 
-using IppRegion::Row;
-
 namespace {
 
 template <typename T>
@@ -21,13 +19,11 @@ IppStatus CopyChannel(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize
         return ippStsNullPtrErr;
     if (!IppRegion::Holds(roiSize))
         return ippStsSizeErr;
-    if (oneRow && IppRegion::Contiguous(srcStep, roiSize, srcSamples * sizeof(T)) &&
-        IppRegion::Contiguous(dstStep, roiSize, dstSamples * sizeof(T))) {
-        copy(pSrc, pDst, IppRegion::Pixels(roiSize));
-        return ippStsNoErr;
-    }
-    for (int y = 0; y < roiSize.height; ++y)
-        copy(Row(pSrc, srcStep, y), Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width));
+    if (oneRow)
+        IppRegion::EachRowOrWhole(pSrc, srcStep, srcSamples * sizeof(T), pDst, dstStep, dstSamples * sizeof(T), roiSize,
+                                  copy);
+    else
+        IppRegion::EachRow(pSrc, srcStep, pDst, dstStep, roiSize, copy);
     return ippStsNoErr;
 }
 

@@ -16,8 +16,7 @@ IppStatus SetRows(T* pDst, int dstStep, IppiSize roiSize, Fill fill)
         return ippStsNullPtrErr;
     if (!IppRegion::Holds(roiSize))
         return ippStsSizeErr;
-    for (int y = 0; y < roiSize.height; ++y)
-        fill(IppRegion::Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width));
+    IppRegion::EachRow(pDst, dstStep, roiSize, fill);
     return ippStsNoErr;
 }
 

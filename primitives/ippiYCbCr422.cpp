@@ -5,8 +5,6 @@
 #include "ippiRows.h"
 #include "ippiVariants.h"
 
-using IppRegion::Row;
-
 namespace {
 
 using ToBgrKernel = void (*)(const uint8_t*, uint8_t*, size_t, uint8_t);
@@ -28,8 +26,8 @@ IppStatus ToBgr(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSi
     const IppStatus status = Check422(pSrc, pDst, roiSize);
     if (status != ippStsNoErr)
         return status;
-    for (int y = 0; y < roiSize.height; ++y)
-        convert(Row(pSrc, srcStep, y), Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width), alphaValue);
+    IppRegion::EachRow(pSrc, srcStep, pDst, dstStep, roiSize,
+                       [&](const uint8_t* s, uint8_t* d, size_t n) { convert(s, d, n, alphaValue); });
     return ippStsNoErr;
 }
 
@@ -39,8 +37,7 @@ IppStatus ToYCbCr(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, Ippi
     const IppStatus status = Check422(pSrc, pDst, roiSize);
     if (status != ippStsNoErr)
         return status;
-    for (int y = 0; y < roiSize.height; ++y)
-        convert(Row(pSrc, srcStep, y), Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width));
+    IppRegion::EachRow(pSrc, srcStep, pDst, dstStep, roiSize, convert);
     return ippStsNoErr;
 }
 
