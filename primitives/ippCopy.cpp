@@ -15,10 +15,8 @@ using CopyKernel = void (*)(const uint8_t*, uint8_t*, size_t);
 IppStatus CopyRows(const void* pSrc, int srcStep, void* pDst, int dstStep, IppiSize roiSize, size_t pixelBytes,
                    CopyKernel copy)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrc, pDst); status != ippStsNoErr)
+        return status;
     IppRegion::EachRowOrWhole(static_cast<const uint8_t*>(pSrc), srcStep, pixelBytes, static_cast<uint8_t*>(pDst),
                               dstStep, pixelBytes, roiSize,
                               [&](const uint8_t* s, uint8_t* d, size_t n) { copy(s, d, n * pixelBytes); });

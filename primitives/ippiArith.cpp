@@ -21,10 +21,8 @@ const size_t kPixelBytes = 4 * sizeof(float);
 IppStatus WithConstant(const Ipp32f* pSrc, int srcStep, const Ipp32f value[3], Ipp32f* pDst, int dstStep,
                        IppiSize roiSize, ConstKernel apply)
 {
-    if (pSrc == nullptr || value == nullptr || pDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrc, value, pDst); status != ippStsNoErr)
+        return status;
     IppRegion::EachRow(pSrc, srcStep, pDst, dstStep, roiSize,
                        [&](const float* s, float* d, size_t n) { apply(s, d, n, value); });
     return ippStsNoErr;
@@ -33,10 +31,8 @@ IppStatus WithConstant(const Ipp32f* pSrc, int srcStep, const Ipp32f value[3], I
 IppStatus Twist(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep, IppiSize roiSize,
                 const Ipp32f twist[3][4], TwistKernel apply)
 {
-    if (pSrc == nullptr || pDst == nullptr || twist == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrc, pDst, twist); status != ippStsNoErr)
+        return status;
     if (srcStep < 1 || dstStep < 1)
         return ippStsStepErr;
     IppRegion::EachRow(pSrc, srcStep, pDst, dstStep, roiSize,
@@ -46,10 +42,8 @@ IppStatus Twist(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep, Ippi
 
 IppStatus CheckInPlace(const Ipp32f* pSrcDst, int step, IppiSize roiSize)
 {
-    if (pSrcDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrcDst); status != ippStsNoErr)
+        return status;
     if (step < 1)
         return ippStsStepErr;
     return ippStsNoErr;

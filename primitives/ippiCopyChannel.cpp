@@ -15,10 +15,8 @@ template <typename T>
 IppStatus CopyChannel(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, int srcSamples,
                       int dstSamples, bool oneRow, ChannelKernel<T> copy)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrc, pDst); status != ippStsNoErr)
+        return status;
     if (oneRow)
         IppRegion::EachRowOrWhole(pSrc, srcStep, srcSamples * sizeof(T), pDst, dstStep, dstSamples * sizeof(T), roiSize,
                                   copy);

@@ -33,6 +33,17 @@ inline size_t Pixels(IppiSize size)
     return static_cast<size_t>(size.width) * static_cast<size_t>(size.height);
 }
 
+// The checks most members open with: every pointer, then the size.
+template <typename... Pointers>
+IppStatus CheckPointersAndSize(IppiSize size, const Pointers*... pointers)
+{
+    if (((pointers == nullptr) || ...))
+        return ippStsNullPtrErr;
+    if (!Holds(size))
+        return ippStsSizeErr;
+    return ippStsNoErr;
+}
+
 // Calls row(srcRow, dstRow, n) for each row of n pixels.
 template <typename S, typename D, typename RowKernel>
 void EachRow(S* src, int srcStep, D* dst, int dstStep, IppiSize size, RowKernel row)

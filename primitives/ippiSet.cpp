@@ -12,10 +12,8 @@ namespace {
 template <typename T, typename Fill>
 IppStatus SetRows(T* pDst, int dstStep, IppiSize roiSize, Fill fill)
 {
-    if (pDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pDst); status != ippStsNoErr)
+        return status;
     IppRegion::EachRow(pDst, dstStep, roiSize, fill);
     return ippStsNoErr;
 }
