@@ -8,8 +8,6 @@
 #include "ippiRows.h"
 #include "ippiVariants.h"
 
-using IppRegion::Row;
-
 namespace {
 
 using CopyKernel = void (*)(const uint8_t*, uint8_t*, size_t);
@@ -17,19 +15,11 @@ using CopyKernel = void (*)(const uint8_t*, uint8_t*, size_t);
 IppStatus CopyRows(const void* pSrc, int srcStep, void* pDst, int dstStep, IppiSize roiSize, size_t pixelBytes,
                    CopyKernel copy)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
-    const auto* src = static_cast<const uint8_t*>(pSrc);
-    auto* dst = static_cast<uint8_t*>(pDst);
-    if (IppRegion::Contiguous(srcStep, roiSize, pixelBytes) && IppRegion::Contiguous(dstStep, roiSize, pixelBytes)) {
-        copy(src, dst, IppRegion::Pixels(roiSize) * pixelBytes);
-        return ippStsNoErr;
-    }
-    const size_t rowBytes = static_cast<size_t>(roiSize.width) * pixelBytes;
-    for (int y = 0; y < roiSize.height; ++y)
-        copy(Row(src, srcStep, y), Row(dst, dstStep, y), rowBytes);
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrc, pDst); status != ippStsNoErr)
+        return status;
+    IppRegion::EachRowOrWhole(static_cast<const uint8_t*>(pSrc), srcStep, pixelBytes, static_cast<uint8_t*>(pDst),
+                              dstStep, pixelBytes, roiSize,
+                              [&](const uint8_t* s, uint8_t* d, size_t n) { copy(s, d, n * pixelBytes); });
     return ippStsNoErr;
 }
 

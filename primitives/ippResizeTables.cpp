@@ -138,6 +138,16 @@ void LanczosWeights(double t, float* weights)
         weights[k] = static_cast<float>(raw[k] / sum);
 }
 
+// The limits both index rules share; `round` turns a position within them into a whole number.
+template <typename Round>
+int64_t LimitedIndex(double position, Round round)
+{
+    const double limit = 1e12;
+    if (!(position > -limit))
+        return position < 0 ? static_cast<int64_t>(-limit) : 0;
+    return static_cast<int64_t>(round(std::min(position, limit)));
+}
+
 } // namespace
 
 bool KernelOf(int interpolation, Kernel& kernel)
@@ -174,18 +184,12 @@ int TapCount(Kernel kernel)
 
 int64_t FloorIndex(double position)
 {
-    const double limit = 1e12;
-    if (!(position > -limit))
-        return position < 0 ? static_cast<int64_t>(-limit) : 0;
-    return static_cast<int64_t>(std::floor(std::min(position, limit)));
+    return LimitedIndex(position, [](double inRange) { return std::floor(inRange); });
 }
 
 int64_t TruncIndex(double position)
 {
-    const double limit = 1e12;
-    if (!(position > -limit))
-        return position < 0 ? static_cast<int64_t>(-limit) : 0;
-    return static_cast<int64_t>(std::min(position, limit));
+    return LimitedIndex(position, [](double inRange) { return inRange; });
 }
 
 void BeginAxis(AxisTable& table)

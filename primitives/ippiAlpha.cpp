@@ -41,10 +41,8 @@ using PremulKernel = void (*)(const uint8_t*, uint8_t*, size_t);
 IppStatus AlphaComp(const Ipp8u* pSrc1, int src1Step, const Ipp8u* pSrc2, int src2Step, Ipp8u* pDst, int dstStep,
                     IppiSize roiSize, IppiAlphaType alphaType, CompKernel comp)
 {
-    if (pSrc1 == nullptr || pSrc2 == nullptr || pDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrc1, pSrc2, pDst); status != ippStsNoErr)
+        return status;
     if (static_cast<unsigned>(alphaType) > static_cast<unsigned>(kLastAlphaType))
         return ippStsAlphaTypeErr;
     for (int y = 0; y < roiSize.height; ++y)
@@ -56,12 +54,9 @@ IppStatus AlphaComp(const Ipp8u* pSrc1, int src1Step, const Ipp8u* pSrc2, int sr
 IppStatus AlphaPremul(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize,
                       PremulKernel premul)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
-    for (int y = 0; y < roiSize.height; ++y)
-        premul(Row(pSrc, srcStep, y), Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width));
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrc, pDst); status != ippStsNoErr)
+        return status;
+    IppRegion::EachRow(pSrc, srcStep, pDst, dstStep, roiSize, premul);
     return ippStsNoErr;
 }
 

@@ -8,8 +8,6 @@
 #include "ippiRows.h"
 #include "ippiVariants.h"
 
-using IppRegion::Row;
-
 namespace {
 
 using ConstKernel = void (*)(const float*, float*, size_t, const float*);
@@ -23,47 +21,29 @@ const size_t kPixelBytes = 4 * sizeof(float);
 IppStatus WithConstant(const Ipp32f* pSrc, int srcStep, const Ipp32f value[3], Ipp32f* pDst, int dstStep,
                        IppiSize roiSize, ConstKernel apply)
 {
-    if (pSrc == nullptr || value == nullptr || pDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
-    for (int y = 0; y < roiSize.height; ++y)
-        apply(Row(pSrc, srcStep, y), Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width), value);
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrc, value, pDst); status != ippStsNoErr)
+        return status;
+    IppRegion::EachRow(pSrc, srcStep, pDst, dstStep, roiSize,
+                       [&](const float* s, float* d, size_t n) { apply(s, d, n, value); });
     return ippStsNoErr;
 }
 
 IppStatus Twist(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep, IppiSize roiSize,
                 const Ipp32f twist[3][4], TwistKernel apply)
 {
-    if (pSrc == nullptr || pDst == nullptr || twist == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrc, pDst, twist); status != ippStsNoErr)
+        return status;
     if (srcStep < 1 || dstStep < 1)
         return ippStsStepErr;
-    for (int y = 0; y < roiSize.height; ++y)
-        apply(Row(pSrc, srcStep, y), Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width), twist);
+    IppRegion::EachRow(pSrc, srcStep, pDst, dstStep, roiSize,
+                       [&](const float* s, float* d, size_t n) { apply(s, d, n, twist); });
     return ippStsNoErr;
-}
-
-// Walks an in-place region as rows, or as one row when they are contiguous; `apply` does n pixels.
-template <typename Apply>
-void InPlaceRows(Ipp32f* pSrcDst, int step, IppiSize roiSize, Apply apply)
-{
-    if (IppRegion::Contiguous(step, roiSize, kPixelBytes)) {
-        apply(pSrcDst, IppRegion::Pixels(roiSize));
-        return;
-    }
-    for (int y = 0; y < roiSize.height; ++y)
-        apply(Row(pSrcDst, step, y), static_cast<size_t>(roiSize.width));
 }
 
 IppStatus CheckInPlace(const Ipp32f* pSrcDst, int step, IppiSize roiSize)
 {
-    if (pSrcDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrcDst); status != ippStsNoErr)
+        return status;
     if (step < 1)
         return ippStsStepErr;
     return ippStsNoErr;
@@ -74,7 +54,7 @@ IppStatus Sqr(Ipp32f* pSrcDst, int step, IppiSize roiSize, SqrKernel apply)
     const IppStatus status = CheckInPlace(pSrcDst, step, roiSize);
     if (status != ippStsNoErr)
         return status;
-    InPlaceRows(pSrcDst, step, roiSize, apply);
+    IppRegion::EachRowOrWhole(pSrcDst, step, kPixelBytes, roiSize, apply);
     return ippStsNoErr;
 }
 
@@ -85,7 +65,8 @@ IppStatus Sqrt(Ipp32f* pSrcDst, int step, IppiSize roiSize, SqrtKernel apply)
     if (status != ippStsNoErr)
         return status;
     bool negative = false;
-    InPlaceRows(pSrcDst, step, roiSize, [&](float* sd, size_t n) { negative |= apply(sd, n); });
+    IppRegion::EachRowOrWhole(pSrcDst, step, kPixelBytes, roiSize,
+                              [&](float* sd, size_t n) { negative |= apply(sd, n); });
     return negative ? ippStsSqrtNegArg : ippStsNoErr;
 }
 
@@ -98,8 +79,7 @@ IppStatus Threshold(Ipp32f* pSrcDst, int step, IppiSize roiSize, const Ipp32f th
         return status;
     if (threshold == nullptr || value == nullptr)
         return ippStsNullPtrErr;
-    for (int y = 0; y < roiSize.height; ++y)
-        apply(Row(pSrcDst, step, y), static_cast<size_t>(roiSize.width), threshold, value);
+    IppRegion::EachRow(pSrcDst, step, roiSize, [&](float* sd, size_t n) { apply(sd, n, threshold, value); });
     return ippStsNoErr;
 }
 

@@ -4,8 +4,6 @@
 #include "ippiRows.h"
 #include "ippiVariants.h"
 
-using IppRegion::Row;
-
 namespace {
 
 template <typename T>
@@ -17,17 +15,13 @@ template <typename T>
 IppStatus CopyChannel(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, int srcSamples,
                       int dstSamples, bool oneRow, ChannelKernel<T> copy)
 {
-    if (pSrc == nullptr || pDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
-    if (oneRow && IppRegion::Contiguous(srcStep, roiSize, srcSamples * sizeof(T)) &&
-        IppRegion::Contiguous(dstStep, roiSize, dstSamples * sizeof(T))) {
-        copy(pSrc, pDst, IppRegion::Pixels(roiSize));
-        return ippStsNoErr;
-    }
-    for (int y = 0; y < roiSize.height; ++y)
-        copy(Row(pSrc, srcStep, y), Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width));
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pSrc, pDst); status != ippStsNoErr)
+        return status;
+    if (oneRow)
+        IppRegion::EachRowOrWhole(pSrc, srcStep, srcSamples * sizeof(T), pDst, dstStep, dstSamples * sizeof(T), roiSize,
+                                  copy);
+    else
+        IppRegion::EachRow(pSrc, srcStep, pDst, dstStep, roiSize, copy);
     return ippStsNoErr;
 }
 

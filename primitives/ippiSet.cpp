@@ -12,12 +12,9 @@ namespace {
 template <typename T, typename Fill>
 IppStatus SetRows(T* pDst, int dstStep, IppiSize roiSize, Fill fill)
 {
-    if (pDst == nullptr)
-        return ippStsNullPtrErr;
-    if (!IppRegion::Holds(roiSize))
-        return ippStsSizeErr;
-    for (int y = 0; y < roiSize.height; ++y)
-        fill(IppRegion::Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width));
+    if (const IppStatus status = IppRegion::CheckPointersAndSize(roiSize, pDst); status != ippStsNoErr)
+        return status;
+    IppRegion::EachRow(pDst, dstStep, roiSize, fill);
     return ippStsNoErr;
 }
 

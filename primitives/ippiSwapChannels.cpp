@@ -20,8 +20,7 @@ IppStatus SwapChannels(Ipp8u* pSrcDst, int srcDstStep, IppiSize roiSize, const i
     for (int c = 0; c < 4; ++c)
         if (dstOrder[c] < 0 || dstOrder[c] > 3)
             return ippStsChannelOrderErr;
-    for (int y = 0; y < roiSize.height; ++y)
-        swap(IppRegion::Row(pSrcDst, srcDstStep, y), static_cast<size_t>(roiSize.width), dstOrder);
+    IppRegion::EachRow(pSrcDst, srcDstStep, roiSize, [&](uint8_t* sd, size_t n) { swap(sd, n, dstOrder); });
     return ippStsNoErr;
 }
 

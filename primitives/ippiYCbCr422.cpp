@@ -5,43 +5,27 @@
 #include "ippiRows.h"
 #include "ippiVariants.h"
 
-using IppRegion::Row;
-
 namespace {
 
 using ToBgrKernel = void (*)(const uint8_t*, uint8_t*, size_t, uint8_t);
-using ToYCbCrKernel = void (*)(const uint8_t*, uint8_t*, size_t);
 
-// A pair needs two pixels: a width of 1 is refused.
-IppStatus Check422(const void* pSrc, const void* pDst, IppiSize roiSize)
+// Both directions: checks, then converts row by row. A pair needs two pixels: a width of 1 is refused.
+template <typename RowKernel>
+IppStatus Convert422(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize, RowKernel convert)
 {
     if (pSrc == nullptr || pDst == nullptr)
         return ippStsNullPtrErr;
     if (roiSize.width < 2 || roiSize.height < 1)
         return ippStsSizeErr;
+    IppRegion::EachRow(pSrc, srcStep, pDst, dstStep, roiSize, convert);
     return ippStsNoErr;
 }
 
 IppStatus ToBgr(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize, Ipp8u alphaValue,
                 ToBgrKernel convert)
 {
-    const IppStatus status = Check422(pSrc, pDst, roiSize);
-    if (status != ippStsNoErr)
-        return status;
-    for (int y = 0; y < roiSize.height; ++y)
-        convert(Row(pSrc, srcStep, y), Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width), alphaValue);
-    return ippStsNoErr;
-}
-
-IppStatus ToYCbCr(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize,
-                  ToYCbCrKernel convert)
-{
-    const IppStatus status = Check422(pSrc, pDst, roiSize);
-    if (status != ippStsNoErr)
-        return status;
-    for (int y = 0; y < roiSize.height; ++y)
-        convert(Row(pSrc, srcStep, y), Row(pDst, dstStep, y), static_cast<size_t>(roiSize.width));
-    return ippStsNoErr;
+    return Convert422(pSrc, srcStep, pDst, dstStep, roiSize,
+                      [&](const uint8_t* s, uint8_t* d, size_t n) { convert(s, d, n, alphaValue); });
 }
 
 int32_t Luma(int32_t b, int32_t g, int32_t r)
@@ -105,7 +89,7 @@ IppStatus mx_ippiYCbCr422ToBGR_8u_C2C4R(const Ipp8u* pSrc, int srcStep, Ipp8u* p
 
 IppStatus mx_ippiBGRToYCbCr422_8u_AC4C2R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize)
 {
-    return ToYCbCr(pSrc, srcStep, pDst, dstStep, roiSize, PlainRows::BGRToYCbCr422);
+    return Convert422(pSrc, srcStep, pDst, dstStep, roiSize, PlainRows::BGRToYCbCr422);
 }
 
 IppStatus y8_ippiYCbCr422ToBGR_8u_C2C4R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize,
@@ -116,7 +100,7 @@ IppStatus y8_ippiYCbCr422ToBGR_8u_C2C4R(const Ipp8u* pSrc, int srcStep, Ipp8u* p
 
 IppStatus y8_ippiBGRToYCbCr422_8u_AC4C2R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize)
 {
-    return ToYCbCr(pSrc, srcStep, pDst, dstStep, roiSize, Sse41Rows::BGRToYCbCr422);
+    return Convert422(pSrc, srcStep, pDst, dstStep, roiSize, Sse41Rows::BGRToYCbCr422);
 }
 
 namespace {
