@@ -32,18 +32,14 @@ double SampleAt(const Picture& picture, const FrameParams& params, int x, int y,
 Picture Filled(int width, int height, PixelFormat format, const double samples[4])
 {
     Picture picture(width, height, format);
-    const FrameParams params = picture.Params();
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            for (int c = 0; c < 4; ++c) {
-                uint8_t* sample = picture.Data() + y * params.nByteSpan + x * params.nDepth;
-                if (IsFloat(format)) {
-                    const float value = static_cast<float>(samples[c]);
-                    std::memcpy(sample + 4 * c, &value, 4);
-                } else {
-                    sample[c] = static_cast<uint8_t>(samples[c]);
-                }
-            }
+    const bool floats = IsFloat(format);
+    for (size_t i = 0; i < picture.Bytes().size() / (floats ? 4 : 1); ++i) {
+        const float value = static_cast<float>(samples[i % 4]);
+        if (floats)
+            std::memcpy(picture.Data() + 4 * i, &value, 4);
+        else
+            picture.Data()[i] = static_cast<uint8_t>(value);
+    }
     return picture;
 }
 
@@ -102,6 +98,9 @@ TEST_F(FrameServiceTest, EveryOperationRefusesMissingRecordsAndPixels)
     EXPECT_EQ(service->SwapChannels(&dst, nullptr), 0u);
     EXPECT_EQ(service->ThresholdLTInPlace(&dst, nullptr), 0u);
     EXPECT_EQ(service->ResizeCrop(&src, nullptr, &dst, 1), 0u);
+    EXPECT_EQ(service->FlipFrame(nullptr, &dst), 0u);
+    EXPECT_EQ(service->FlipFrame(&src, nullptr), 0u);
+    EXPECT_EQ(service->FlipFrame(nullptr), 0u);
     EXPECT_TRUE(Untouched(destination));
 }
 
@@ -358,35 +357,26 @@ TEST_F(FrameServiceTest, InvertChannelComplementsOneChannel)
     });
 }
 
+// Square, root and threshold on each of the four channels, and a negative root giving 0.
 TEST_F(FrameServiceTest, FloatSampleOperationsOnAllFourChannels)
 {
-    const double samples[4] = {4.0, 0.0, 0.25, 2.25};
-    Picture squares = Filled(2, 2, pfVideoSampleSwappedFloat, samples);
-    FrameParams squareParams = squares.Params();
-    ASSERT_EQ(service->SqrInPlace(&squareParams), 1u);
-    Picture roots = Filled(2, 2, pfVideoSampleSwappedFloat, samples);
-    FrameParams rootParams = roots.Params();
-    ASSERT_EQ(service->SqrtInPlace(&rootParams), 1u);
-    const double levels[4] = {0.05, 0.1, 0.2, 0.0};
-    Picture floor = Filled(2, 2, pfVideoSampleSwappedFloat, levels);
-    FrameParams floorParams = floor.Params();
-    const float thresholds[4] = {0.1f, 0.1f, 0.1f, 0.5f};
-    ASSERT_EQ(service->ThresholdLTInPlace(&floorParams, thresholds), 1u);
-    const float squared[4] = {16.0f, 0.0f, 0.0625f, 5.0625f}, rooted[4] = {2.0f, 0.0f, 0.5f, 1.5f},
-                raised[4] = {0.1f, 0.1f, 0.2f, 0.5f};   // only a sample below its threshold moves
+    const double samples[4] = {4.0, 0.25, 0.05, -1.0};
+    Picture squares = Filled(1, 1, pfVideoSampleSwappedFloat, samples);
+    Picture roots = squares, floor = squares;
+    FrameParams squared = squares.Params(), rooted = roots.Params(), raised = floor.Params();
+    const float thresholds[4] = {0.0f, 0.5f, 0.1f, 0.0f};
+    EXPECT_EQ(service->SqrInPlace(&squared), 1u);
+    EXPECT_EQ(service->SqrtInPlace(&rooted), 0u);   // the negative sample
+    EXPECT_EQ(service->ThresholdLTInPlace(&raised, thresholds), 1u);
+    const float expectedSquares[4] = {16.0f, 0.0625f, 0.05f * 0.05f, 1.0f};
+    const float expectedRoots[3] = {2.0f, 0.5f, std::sqrt(0.05f)}, expectedRaised[4] = {4.0f, 0.5f, 0.1f, 0.0f};
     for (int c = 0; c < 4; ++c) {
-        EXPECT_EQ(SampleAt(squares, squareParams, 1, 1, c), squared[c]) << c;
-        EXPECT_EQ(SampleAt(roots, rootParams, 1, 1, c), rooted[c]) << c;
-        EXPECT_EQ(SampleAt(floor, floorParams, 1, 1, c), raised[c]) << c;
+        EXPECT_EQ(SampleAt(squares, squared, 0, 0, c), expectedSquares[c]) << c;
+        EXPECT_EQ(SampleAt(floor, raised, 0, 0, c), expectedRaised[c]) << c;
     }
-
-    // A negative sample: not-a-number there, and 0.
-    const double negative[4] = {9.0, -1.0, 0.0, 0.0};
-    Picture bad = Filled(1, 1, pfVideoSampleSwappedFloat, negative);
-    FrameParams badParams = bad.Params();
-    EXPECT_EQ(service->SqrtInPlace(&badParams), 0u);
-    EXPECT_EQ(SampleAt(bad, badParams, 0, 0, 0), 3.0);
-    EXPECT_TRUE(std::isnan(SampleAt(bad, badParams, 0, 0, 1)));
+    for (int c = 0; c < 3; ++c)
+        EXPECT_EQ(SampleAt(roots, rooted, 0, 0, c), expectedRoots[c]) << c;
+    EXPECT_TRUE(std::isnan(SampleAt(roots, rooted, 0, 0, 3)));
 }
 
 } // namespace
