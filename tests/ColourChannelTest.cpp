@@ -50,15 +50,6 @@ void ExpectSamplesFrom(TestFrame& dst, TestFrame& src, int width, int height, co
                 ASSERT_EQ(SampleAt(dst, x, y, s), SampleAt(src, x, y, from[s])) << x << "," << y << " sample " << s;
 }
 
-// The call answers false and leaves `target` byte for byte as it was.
-template <typename Call>
-void ExpectRefused(TestFrame& target, Call call)
-{
-    const std::vector<uint8_t> before = target.Memory();
-    EXPECT_FALSE(call());
-    EXPECT_EQ(target.Memory(), before);
-}
-
 // The four bytes of a float frame's alpha at (x, y) were never written.
 bool AlphaUntouched(TestFrame& frame, int x, int y)
 {
@@ -138,11 +129,11 @@ TEST_P(ColorSpaceConverter, PairsWithoutAPathLeaveTheDestinationAlone)
         SCOPED_TRACE(testing::Message() << c.from << " to " << c.to);
         TestFrame src(static_cast<PixelFormat>(c.from), 2, 2), dst(static_cast<PixelFormat>(c.to), 2, 2);
         src.FillPattern();
-        ExpectRefused(dst, [&] { return Processors::CColorSpaceConverter().Process(src.Get(), dst.Get()); });
+        dst.ExpectRefused([&] { return Processors::CColorSpaceConverter().Process(src.Get(), dst.Get()); });
     }
     // A destination whose rows are too short for four-float pixels, and a missing source.
     TestFrame src(pfVideoSample, 4, 2), dst(pfVideoSampleFloat, 4, 2, 4);
-    ExpectRefused(dst, [&] { return Processors::CColorSpaceConverter().Process(src.Get(), dst.Get()); });
+    dst.ExpectRefused([&] { return Processors::CColorSpaceConverter().Process(src.Get(), dst.Get()); });
     EXPECT_FALSE(Processors::CColorSpaceConverter().Process(nullptr, dst.Get()));
 }
 
@@ -193,7 +184,7 @@ TEST_P(ColorSpaceConverter, MatrixOperationsTakeOnlyAlphaFirstFloats)
 
     // Any other format, an empty area or missing constants: false, and nothing written.
     TestFrame bgra(pfVideoSampleFloat, 2, 2), target(pfVideoSampleSwappedFloat, 2, 2), empty(pfVideoSampleSwappedFloat, 2, 0);
-    ExpectRefused(target, [&] {
+    target.ExpectRefused([&] {
         return converter.ProcessColorMatrix32f(*bgra, *target, identity) || converter.ProcessMulC32f(*bgra, *target, constants) ||
                converter.ProcessAddC32f(*target, *bgra, constants) || converter.ProcessAddC32f(*empty, *target, constants) ||
                converter.ProcessMulC32f(*src, *target, nullptr) || !converter.ARGB32ToAppleR4FL(*bgra, *target) ||
@@ -250,10 +241,10 @@ TEST_P(ChannelReverse, RefusesBadOrdersFormatsAndFrames)
         TestFrame frame(c.format, 3, c.height);
         frame.FillPattern();
         unsigned int order[4] = {c.order[0], c.order[1], c.order[2], c.order[3]};
-        ExpectRefused(frame, [&] { return Processors::CChannelReverse().Process(frame.Get(), order); });
+        frame.ExpectRefused([&] { return Processors::CChannelReverse().Process(frame.Get(), order); });
     }
     TestFrame src(pfMono8, 2, 2), dst(pfVideoSample, 2, 2);
-    ExpectRefused(dst, [&] {
+    dst.ExpectRefused([&] {
         return Processors::CChannelReverse().Process(src.Get(), dst.Get()) ||
                Processors::CChannelReverse().Process(nullptr, dst.Get()) ||
                Processors::CChannelReverse().Process(dst.Get(), static_cast<CFrame*>(nullptr));
@@ -309,7 +300,7 @@ TEST_P(CopyPlane, RefusesPairsWithoutAPrimitive)
         TestFrame src(static_cast<PixelFormat>(c.srcFormat), 2, 2, c.srcDepth), dst(pfVideoSample, 2, 2, c.dstDepth);
         SCOPED_TRACE(testing::Message() << c.srcFormat << " " << c.srcDepth << " to " << c.dstDepth);
         src.FillPattern();
-        ExpectRefused(dst, [&] { return Processors::CCopyPlane().Process(src.Get(), dst.Get(), c.srcPlane, c.dstPlane); });
+        dst.ExpectRefused([&] { return Processors::CCopyPlane().Process(src.Get(), dst.Get(), c.srcPlane, c.dstPlane); });
     }
 }
 
@@ -357,7 +348,7 @@ TEST_P(SetColor, RefusesFormatsAndDepthsWithoutAFill)
         SCOPED_TRACE(testing::Message() << c.format << " depth " << c.depth);
         if (c.format == 0)
             frame->m_nByteSpan = 8;   // a span that can't hold a row
-        ExpectRefused(frame, [&] { return Processors::CSetColor().Process(frame.Get(), 0xFFFFFFFFu); });
+        frame.ExpectRefused([&] { return Processors::CSetColor().Process(frame.Get(), 0xFFFFFFFFu); });
     }
     EXPECT_FALSE(Processors::CSetColor().Process(nullptr, 0));
 }
@@ -389,7 +380,7 @@ TEST_P(SetChannelColor, FillsOnePositionWithTheLowByte)
     for (const auto& c : refused) {
         SCOPED_TRACE(testing::Message() << c.format << " depth " << c.depth << " channel " << c.channel);
         TestFrame frame(static_cast<PixelFormat>(c.format), 3, 2, c.depth);
-        ExpectRefused(frame, [&] { return Processors::CSetChannelColor().Process(frame.Get(), c.channel, 9); });
+        frame.ExpectRefused([&] { return Processors::CSetChannelColor().Process(frame.Get(), c.channel, 9); });
     }
 }
 
