@@ -107,17 +107,28 @@ TEST_P(AlphaBlend, FloatPathsWeighWithoutClamping)
         }
 }
 
-// The blend writes only the area the three frames share, in every format it covers.
-TEST_P(AlphaBlend, WritesOnlyTheCommonTopLeftArea)
+// Blend, premultiply and fade write only the top-left area their frames share, in every format they cover.
+TEST_P(AlphaBlend, EachAlphaProcessorWritesOnlyTheCommonArea)
 {
     for (PixelFormat format : kFourSampleFormats) {
-        TestFrame in1(format, 5, 3), in2(format, 3, 6), out(format, 6, 5);
+        SCOPED_TRACE(testing::Message() << "format " << format);
+        TestFrame in1(format, 5, 3), in2(format, 3, 6), blended(format, 6, 5), premul(format, 6, 2), faded(format, 2, 4);
         in1.FillPattern();
         in2.FillPattern();
-        const std::vector<uint8_t> before = out.Memory();
-        ASSERT_TRUE(Processors::CAlphaBlend().Process(in1.Get(), in2.Get(), out.Get(), true)) << format;
-        out.ExpectUntouchedOutside(before, 3, 3);
-        EXPECT_NE(out.Memory(), before) << format;
+        const std::vector<uint8_t> blendedBefore = blended.Memory(), premulBefore = premul.Memory(),
+                                   fadedBefore = faded.Memory();
+        ASSERT_TRUE(Processors::CAlphaBlend().Process(in1.Get(), in2.Get(), blended.Get(), true));
+        blended.ExpectUntouchedOutside(blendedBefore, 3, 3);
+        EXPECT_NE(blended.Memory(), blendedBefore);
+        ASSERT_TRUE(Processors::CAlphaPremul().Process(*in2, *premul));
+        premul.ExpectUntouchedOutside(premulBefore, 3, 2);
+        // Premultiplying carries alpha over as it was.
+        if (format == pfVideoSample || format == pfVideoSampleSwapped)
+            EXPECT_EQ(premul.Byte(2, 1, RecordIndex(format, 3)), in2.Byte(2, 1, RecordIndex(format, 3)));
+        else
+            EXPECT_EQ(premul.GetFloat(2, 1, RecordIndex(format, 3)), in2.GetFloat(2, 1, RecordIndex(format, 3)));
+        ASSERT_TRUE(Processors::CAlphaFade().Process(in1.Get(), faded.Get(), 256));
+        faded.ExpectUntouchedOutside(fadedBefore, 2, 3);
     }
 }
 
@@ -258,23 +269,6 @@ TEST_P(AlphaPremul, MultipliesColourByAlphaInEachPath)
         }
 }
 
-TEST_P(AlphaPremul, TwoFramesMeetOnTheirCommonArea)
-{
-    for (PixelFormat format : kFourSampleFormats) {
-        TestFrame src(format, 3, 5), dst(format, 6, 2);
-        src.FillPattern();
-        const std::vector<uint8_t> before = dst.Memory();
-        ASSERT_TRUE(Processors::CAlphaPremul().Process(*src, *dst)) << format;
-        dst.ExpectUntouchedOutside(before, 3, 2);
-        // Alpha is carried over as it was.
-        const int alphaIndex = RecordIndex(format, 3);
-        if (dst->m_nDepth == 4)
-            EXPECT_EQ(dst.Byte(2, 1, alphaIndex), src.Byte(2, 1, alphaIndex)) << format;
-        else
-            EXPECT_EQ(dst.GetFloat(2, 1, alphaIndex), src.GetFloat(2, 1, alphaIndex)) << format;
-    }
-}
-
 TEST_P(AlphaPremul, RefusesFormatsWithoutAPathAndAcceptsEmptyAreas)
 {
     for (int format : {2, 5, 6, 7}) {
@@ -348,15 +342,8 @@ TEST(AlphaFade, FloatPathsClampTheirInputAndScaleByLevelOver255)
         }
 }
 
-TEST(AlphaFade, WritesTheCommonAreaAndRefusesRowsItCannotWalk)
+TEST(AlphaFade, RefusesRowsItCannotWalk)
 {
-    for (PixelFormat format : kFourSampleFormats) {
-        TestFrame src(format, 4, 2), dst(format, 2, 3);
-        src.FillPattern();
-        const std::vector<uint8_t> before = dst.Memory();
-        ASSERT_TRUE(Processors::CAlphaFade().Process(src.Get(), dst.Get(), 256)) << format;
-        dst.ExpectUntouchedOutside(before, 2, 2);
-    }
     // A one-byte-deep frame has no four-byte rows to walk.
     TestFrame mono(pfMono8, 8, 2), out(pfMono8, 8, 2);
     mono.FillPattern();
