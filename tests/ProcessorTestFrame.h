@@ -39,6 +39,7 @@ public:
 
     // Every byte outside the top-left width x height pixels is as it was before.
     void ExpectUntouchedOutside(const std::vector<uint8_t>& before, int width, int height) const;
+
     // The call answers false and leaves every byte of this frame as it was.
     template <typename Call>
     void ExpectRefused(Call call)
