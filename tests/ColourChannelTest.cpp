@@ -26,6 +26,9 @@ TEST_SUITE_AT_EACH_VARIANT(FloatArithmetic);
 
 const float kByteToFloat = 1.0f / 255.0f;
 const float kNaN = std::numeric_limits<float>::quiet_NaN();
+const PixelFormat kFourSampleFormats[] = {pfVideoSample, pfVideoSampleSwapped, pfVideoSampleFloat,
+                                          pfVideoSampleSwappedFloat};
+const unsigned int kReversed[4] = {3, 2, 1, 0};
 
 bool IsFloatFormat(PixelFormat format)
 {
@@ -38,23 +41,41 @@ double SampleAt(TestFrame& frame, int x, int y, int s)
     return IsFloatFormat(frame->m_pfPixelFormat) ? frame.GetFloat(x, y, s) : frame.Byte(x, y, s);
 }
 
+// Sample s of each top-left pixel of dst is sample from[s] of the same pixel of src.
+void ExpectSamplesFrom(TestFrame& dst, TestFrame& src, int width, int height, const unsigned int from[4])
+{
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            for (int s = 0; s < 4; ++s)
+                ASSERT_EQ(SampleAt(dst, x, y, s), SampleAt(src, x, y, from[s])) << x << "," << y << " sample " << s;
+}
+
+// The four bytes of a float frame's alpha at (x, y) were never written.
+bool AlphaUntouched(TestFrame& frame, int x, int y)
+{
+    return std::vector<uint8_t>(&frame.Memory()[frame.Offset(x, y)], &frame.Memory()[frame.Offset(x, y)] + 4) ==
+           std::vector<uint8_t>(4, TestFrame::kSentinel);
+}
+
+struct ConversionCase {
+    PixelFormat from, to;
+    bool reversed;
+};
+
 TEST_P(ColorSpaceConverter, BytesBecomeFloatsInTheirOwnOrReversedOrder)
 {
-    const struct {
-        PixelFormat from, to;
-        bool reversed;
-    } cases[] = {{pfVideoSample, pfVideoSampleFloat, false},
-                 {pfVideoSampleSwapped, pfVideoSampleSwappedFloat, false},
-                 {pfVideoSample, pfVideoSampleSwappedFloat, true}};
+    const ConversionCase cases[] = {{pfVideoSample, pfVideoSampleFloat, false},
+                                    {pfVideoSampleSwapped, pfVideoSampleSwappedFloat, false},
+                                    {pfVideoSample, pfVideoSampleSwappedFloat, true}};
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.from << " to " << c.to);
         TestFrame src(c.from, 2, 1), dst(c.to, 2, 1);
         src.SetBytes(0, 0, 255, 0, 1, 128);
         src.SetBytes(1, 0, 254, 2, 127, 255);
         ASSERT_TRUE(Processors::CColorSpaceConverter().Process(src.Get(), dst.Get()));
-        for (int x = 0; x < 2; ++x)
-            for (int s = 0; s < 4; ++s)
-                EXPECT_EQ(dst.GetFloat(x, 0, s), src.Byte(x, 0, c.reversed ? 3 - s : s) * kByteToFloat)
-                    << c.from << " to " << c.to << " pixel " << x << " sample " << s;
+        for (int i = 0; i < 8; ++i)
+            EXPECT_EQ(dst.GetFloat(i / 4, 0, i % 4), src.Byte(i / 4, 0, c.reversed ? 3 - i % 4 : i % 4) * kByteToFloat)
+                << "sample " << i;
         EXPECT_EQ(dst.GetFloat(0, 0, c.reversed ? 3 : 0), 1.0f) << "white is exactly 1.0";
     }
 }
@@ -63,52 +84,39 @@ TEST_P(ColorSpaceConverter, FloatsBecomeBytesClampedAndRounded)
 {
     const float in[] = {1.0f, 0.999f, 0.5f, 0.0f, 1.5f, -0.1f, 0.0019f, 0.002f, kNaN, 0.998f, 0.25f, 2.0f};
     const int expected[] = {255, 255, 128, 0, 255, 0, 0, 1, 0, 254, 64, 255};
-    const struct {
-        PixelFormat from, to;
-        bool reversed;
-    } cases[] = {{pfVideoSampleFloat, pfVideoSample, false},
-                 {pfVideoSampleSwappedFloat, pfVideoSampleSwapped, false},
-                 {pfVideoSampleSwappedFloat, pfVideoSample, true}};
+    const ConversionCase cases[] = {{pfVideoSampleFloat, pfVideoSample, false},
+                                    {pfVideoSampleSwappedFloat, pfVideoSampleSwapped, false},
+                                    {pfVideoSampleSwappedFloat, pfVideoSample, true}};
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.from << " to " << c.to);
         TestFrame src(c.from, 3, 1), dst(c.to, 3, 1);
         for (int i = 0; i < 12; ++i)
             src.SetFloat(i / 4, 0, i % 4, in[i]);
         ASSERT_TRUE(Processors::CColorSpaceConverter().Process(src.Get(), dst.Get()));
-        for (int i = 0; i < 12; ++i) {
-            const int x = i / 4, s = i % 4;
-            EXPECT_EQ(dst.Byte(x, 0, c.reversed ? 3 - s : s), expected[i]) << c.from << " to " << c.to << " value " << in[i];
-        }
+        for (int i = 0; i < 12; ++i)
+            EXPECT_EQ(dst.Byte(i / 4, 0, c.reversed ? 3 - i % 4 : i % 4), expected[i]) << "value " << in[i];
     }
 }
 
-TEST_P(ColorSpaceConverter, ReordersBetweenTheTwoRecordsOfOneSampleType)
+TEST_P(ColorSpaceConverter, ReordersBetweenTheTwoRecordsOfOneSampleTypeOverTheCommonArea)
 {
-    for (PixelFormat from : {pfVideoSample, pfVideoSampleSwapped, pfVideoSampleFloat, pfVideoSampleSwappedFloat}) {
-        const bool floats = IsFloatFormat(from);
-        const PixelFormat to = floats ? (from == pfVideoSampleFloat ? pfVideoSampleSwappedFloat : pfVideoSampleFloat)
-                                      : (from == pfVideoSample ? pfVideoSampleSwapped : pfVideoSample);
-        TestFrame src(from, 3, 4), dst(to, 5, 2);
+    const PixelFormat partner[] = {pfVideoSampleSwapped, pfVideoSample, pfVideoSampleSwappedFloat, pfVideoSampleFloat};
+    for (int i = 0; i < 4; ++i) {
+        SCOPED_TRACE(testing::Message() << "from " << kFourSampleFormats[i]);
+        TestFrame src(kFourSampleFormats[i], 3, 4), dst(partner[i], 5, 2);
         src.FillPattern();
         const std::vector<uint8_t> before = dst.Memory();
-        ASSERT_TRUE(Processors::CColorSpaceConverter().Process(src.Get(), dst.Get())) << from;
-        for (int y = 0; y < 2; ++y)
-            for (int x = 0; x < 3; ++x)
-                for (int s = 0; s < 4; ++s)
-                    ASSERT_EQ(SampleAt(dst, x, y, s), SampleAt(src, x, y, 3 - s)) << from << " at " << x << "," << y;
+        ASSERT_TRUE(Processors::CColorSpaceConverter().Process(src.Get(), dst.Get()));
+        ExpectSamplesFrom(dst, src, 3, 2, kReversed);
         dst.ExpectUntouchedOutside(before, 3, 2);
     }
-}
-
-TEST_P(ColorSpaceConverter, ConvertsOnlyTheCommonArea)
-{
-    TestFrame src(pfVideoSample, 4, 2), dst(pfVideoSampleFloat, 2, 3);
+    // Bytes to floats over mixed sizes; an empty destination is nothing to do.
+    TestFrame src(pfVideoSample, 4, 2), dst(pfVideoSampleFloat, 2, 3), empty(pfVideoSampleFloat, 0, 3);
     src.FillPattern();
     const std::vector<uint8_t> before = dst.Memory();
     ASSERT_TRUE(Processors::CColorSpaceConverter().Process(src.Get(), dst.Get()));
     EXPECT_EQ(dst.GetFloat(1, 1, 2), src.Byte(1, 1, 2) * kByteToFloat);
     dst.ExpectUntouchedOutside(before, 2, 2);
-
-    TestFrame empty(pfVideoSampleFloat, 0, 3);
     EXPECT_TRUE(Processors::CColorSpaceConverter().Process(src.Get(), empty.Get()));
 }
 
@@ -118,41 +126,33 @@ TEST_P(ColorSpaceConverter, PairsWithoutAPathLeaveTheDestinationAlone)
         int from, to;
     } cases[] = {{1, 3}, {3, 1}, {0, 0}, {3, 3}, {4, 4}, {0, 6}, {6, 3}, {7, 4}, {2, 3}, {0, 5}, {7, 7}};
     for (const auto& c : cases) {
-        const PixelFormat from = static_cast<PixelFormat>(c.from), to = static_cast<PixelFormat>(c.to);
-        TestFrame src(from, 2, 2), dst(to, 2, 2);
+        SCOPED_TRACE(testing::Message() << c.from << " to " << c.to);
+        TestFrame src(static_cast<PixelFormat>(c.from), 2, 2), dst(static_cast<PixelFormat>(c.to), 2, 2);
         src.FillPattern();
-        const std::vector<uint8_t> before = dst.Memory();
-        EXPECT_FALSE(Processors::CColorSpaceConverter().Process(src.Get(), dst.Get())) << c.from << " to " << c.to;
-        EXPECT_EQ(dst.Memory(), before) << c.from << " to " << c.to;
+        dst.ExpectRefused([&] { return Processors::CColorSpaceConverter().Process(src.Get(), dst.Get()); });
     }
-    // A destination whose rows are too short for four-float pixels.
+    // A destination whose rows are too short for four-float pixels, and a missing source.
     TestFrame src(pfVideoSample, 4, 2), dst(pfVideoSampleFloat, 4, 2, 4);
-    const std::vector<uint8_t> before = dst.Memory();
-    EXPECT_FALSE(Processors::CColorSpaceConverter().Process(src.Get(), dst.Get()));
-    EXPECT_EQ(dst.Memory(), before);
+    dst.ExpectRefused([&] { return Processors::CColorSpaceConverter().Process(src.Get(), dst.Get()); });
     EXPECT_FALSE(Processors::CColorSpaceConverter().Process(nullptr, dst.Get()));
 }
 
 TEST_P(ColorSpaceConverter, StudioRangeYCbCrOfGreyAndBack)
 {
     for (float grey : {0.0f, 0.2f, 0.5f, 1.0f}) {
-        TestFrame rgb(pfVideoSampleSwappedFloat, 2, 2), ycc(pfVideoSampleSwappedFloat, 2, 2);
-        for (int y = 0; y < 2; ++y)
-            for (int x = 0; x < 2; ++x)
-                rgb.SetFloats(x, y, 0.75f, grey, grey, grey);
+        SCOPED_TRACE(testing::Message() << "grey " << grey);
+        TestFrame rgb(pfVideoSampleSwappedFloat, 2, 2), ycc(pfVideoSampleSwappedFloat, 2, 2),
+            back(pfVideoSampleSwappedFloat, 2, 2);
+        for (int i = 0; i < 4; ++i)
+            rgb.SetFloats(i % 2, i / 2, 0.75f, grey, grey, grey);
         ASSERT_TRUE(Processors::CColorSpaceConverter().ARGB32ToAppleR4FL(*rgb, *ycc));
-        EXPECT_NEAR(ycc.GetFloat(1, 1, 1), grey * 219.0f / 255.0f, 1e-6) << grey;
-        EXPECT_NEAR(ycc.GetFloat(1, 1, 2), 128.0f / 255.0f, 1e-6) << grey;
-        EXPECT_NEAR(ycc.GetFloat(1, 1, 3), 128.0f / 255.0f, 1e-6) << grey;
-
-        // Alpha is never written: the destination's alpha is still the sentinel.
-        std::vector<uint8_t> alphaBytes(&ycc.Memory()[ycc.Offset(1, 1)], &ycc.Memory()[ycc.Offset(1, 1)] + 4);
-        EXPECT_EQ(alphaBytes, std::vector<uint8_t>(4, TestFrame::kSentinel));
-
-        TestFrame back(pfVideoSampleSwappedFloat, 2, 2);
+        EXPECT_NEAR(ycc.GetFloat(1, 1, 1), grey * 219.0f / 255.0f, 1e-6);
+        EXPECT_NEAR(ycc.GetFloat(1, 1, 2), 128.0f / 255.0f, 1e-6);
+        EXPECT_NEAR(ycc.GetFloat(1, 1, 3), 128.0f / 255.0f, 1e-6);
+        EXPECT_TRUE(AlphaUntouched(ycc, 1, 1)) << "alpha is never written";
         ASSERT_TRUE(Processors::CColorSpaceConverter().AppleR4FLToARGB32(*ycc, *back));
         for (int s = 1; s < 4; ++s)
-            EXPECT_NEAR(back.GetFloat(0, 1, s), grey, 1e-5) << grey << " sample " << s;
+            EXPECT_NEAR(back.GetFloat(0, 1, s), grey, 1e-5) << "sample " << s;
     }
 }
 
@@ -164,15 +164,13 @@ TEST_P(ColorSpaceConverter, MatrixOperationsTakeOnlyAlphaFirstFloats)
     TestFrame src(pfVideoSampleSwappedFloat, 3, 2), dst(pfVideoSampleSwappedFloat, 2, 3);
     src.FillPattern();
     Processors::CColorSpaceConverter converter;
-    std::vector<uint8_t> before = dst.Memory();
+    const std::vector<uint8_t> before = dst.Memory();
     ASSERT_TRUE(converter.ProcessColorMatrix32f(*src, *dst, identity));
-    for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 2; ++x)
-            for (int s = 1; s < 4; ++s)
-                EXPECT_EQ(dst.GetFloat(x, y, s), src.GetFloat(x, y, s));
+    EXPECT_TRUE(AlphaUntouched(dst, 1, 1)) << "alpha is never written";
+    for (int i = 0; i < 4; ++i)
+        for (int s = 1; s < 4; ++s)
+            EXPECT_EQ(dst.GetFloat(i % 2, i / 2, s), src.GetFloat(i % 2, i / 2, s));
     dst.ExpectUntouchedOutside(before, 2, 2);
-    const std::vector<uint8_t> alphaBytes(&dst.Memory()[dst.Offset(1, 1)], &dst.Memory()[dst.Offset(1, 1)] + 4);
-    EXPECT_EQ(alphaBytes, std::vector<uint8_t>(4, TestFrame::kSentinel)) << "alpha is never written";
     const float r = src.GetFloat(1, 1, 1), g = src.GetFloat(1, 1, 2), b = src.GetFloat(1, 1, 3);
     ASSERT_TRUE(converter.ProcessColorMatrix32f(*src, *src, twist));
     EXPECT_EQ(src.GetFloat(1, 1, 1), b + 0.5f);
@@ -186,60 +184,46 @@ TEST_P(ColorSpaceConverter, MatrixOperationsTakeOnlyAlphaFirstFloats)
 
     // Any other format, an empty area or missing constants: false, and nothing written.
     TestFrame bgra(pfVideoSampleFloat, 2, 2), target(pfVideoSampleSwappedFloat, 2, 2), empty(pfVideoSampleSwappedFloat, 2, 0);
-    before = target.Memory();
-    EXPECT_FALSE(converter.ProcessColorMatrix32f(*bgra, *target, identity));
-    EXPECT_FALSE(converter.ProcessMulC32f(*bgra, *target, constants));
-    EXPECT_FALSE(converter.ProcessAddC32f(*target, *bgra, constants));
-    EXPECT_FALSE(converter.ProcessAddC32f(*empty, *target, constants));
-    EXPECT_FALSE(converter.ProcessMulC32f(*src, *target, nullptr));
-    EXPECT_TRUE(converter.ARGB32ToAppleR4FL(*bgra, *target));
-    EXPECT_TRUE(converter.AppleR4FLToARGB32(*bgra, *target));
-    EXPECT_EQ(target.Memory(), before);
+    target.ExpectRefused([&] {
+        return converter.ProcessColorMatrix32f(*bgra, *target, identity) || converter.ProcessMulC32f(*bgra, *target, constants) ||
+               converter.ProcessAddC32f(*target, *bgra, constants) || converter.ProcessAddC32f(*empty, *target, constants) ||
+               converter.ProcessMulC32f(*src, *target, nullptr) || !converter.ARGB32ToAppleR4FL(*bgra, *target) ||
+               !converter.AppleR4FLToARGB32(*bgra, *target);
+    });
 }
 
 TEST_P(ChannelReverse, ReversesIntoAnotherFrameOrInPlace)
 {
-    for (PixelFormat format : {pfVideoSample, pfVideoSampleSwapped, pfVideoSampleFloat, pfVideoSampleSwappedFloat}) {
+    for (PixelFormat format : kFourSampleFormats) {
+        SCOPED_TRACE(testing::Message() << "format " << format);
         TestFrame src(format, 4, 3), dst(format, 2, 5), same(format, 3, 2);
         src.FillPattern();
         same.FillPattern();
-        const std::vector<uint8_t> before = dst.Memory();
-        ASSERT_TRUE(Processors::CChannelReverse().Process(src.Get(), dst.Get())) << format;
-        for (int y = 0; y < 3; ++y)
-            for (int x = 0; x < 2; ++x)
-                for (int s = 0; s < 4; ++s)
-                    ASSERT_EQ(SampleAt(dst, x, y, s), SampleAt(src, x, y, 3 - s)) << format;
+        const std::vector<uint8_t> before = dst.Memory(), original = same.Memory();
+        ASSERT_TRUE(Processors::CChannelReverse().Process(src.Get(), dst.Get()));
+        ExpectSamplesFrom(dst, src, 2, 3, kReversed);
         dst.ExpectUntouchedOutside(before, 2, 3);
-
-        const std::vector<uint8_t> original = same.Memory();
-        ASSERT_TRUE(Processors::CChannelReverse().Process(same.Get(), same.Get())) << format;
+        ASSERT_TRUE(Processors::CChannelReverse().Process(same.Get(), same.Get()));
         EXPECT_NE(same.Memory(), original);
-        ASSERT_TRUE(Processors::CChannelReverse().Process(same.Get(), same.Get())) << format;
-        EXPECT_EQ(same.Memory(), original) << "reversing twice restores, format " << format;
+        ASSERT_TRUE(Processors::CChannelReverse().Process(same.Get(), same.Get()));
+        EXPECT_EQ(same.Memory(), original) << "reversing twice restores";
     }
 }
 
 TEST_P(ChannelReverse, PermutesInPlaceByAnOrder)
 {
-    const struct {
-        unsigned int order[4];
-        int expected[4];   // the old position each position takes
-    } cases[] = {{{3, 2, 1, 0}, {3, 2, 1, 0}}, {{0, 0, 0, 0}, {0, 0, 0, 0}}, {{1, 2, 3, 0}, {1, 2, 3, 0}},
-                 {{2, 2, 3, 3}, {2, 2, 3, 3}}};
-    for (PixelFormat format : {pfVideoSample, pfVideoSampleSwapped, pfVideoSampleFloat, pfVideoSampleSwappedFloat}) {
-        for (const auto& c : cases) {
+    // Each entry names the old position its position takes.
+    const unsigned int orders[][4] = {{3, 2, 1, 0}, {0, 0, 0, 0}, {1, 2, 3, 0}, {2, 2, 3, 3}};
+    for (PixelFormat format : kFourSampleFormats)
+        for (const auto& order : orders) {
+            SCOPED_TRACE(testing::Message() << "format " << format << " order " << order[0] << order[1] << order[2] << order[3]);
             TestFrame frame(format, 3, 2), original(format, 3, 2);
             frame.FillPattern();
             original.FillPattern();
-            unsigned int order[4] = {c.order[0], c.order[1], c.order[2], c.order[3]};
-            ASSERT_TRUE(Processors::CChannelReverse().Process(frame.Get(), order)) << format;
-            for (int y = 0; y < 2; ++y)
-                for (int x = 0; x < 3; ++x)
-                    for (int s = 0; s < 4; ++s)
-                        ASSERT_EQ(SampleAt(frame, x, y, s), SampleAt(original, x, y, c.expected[s]))
-                            << "format " << format << " order entry " << s;
+            unsigned int copy[4] = {order[0], order[1], order[2], order[3]};
+            ASSERT_TRUE(Processors::CChannelReverse().Process(frame.Get(), copy));
+            ExpectSamplesFrom(frame, original, 3, 2, order);
         }
-    }
 }
 
 TEST_P(ChannelReverse, RefusesBadOrdersFormatsAndFrames)
@@ -253,19 +237,18 @@ TEST_P(ChannelReverse, RefusesBadOrdersFormatsAndFrames)
                  {pfMono8, 2, {0, 1, 2, 3}},             {pfMonoFloat, 2, {0, 1, 2, 3}},
                  {pfVideoSampleFloat, 0, {0, 1, 2, 3}}};
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "format " << c.format << " height " << c.height);
         TestFrame frame(c.format, 3, c.height);
         frame.FillPattern();
-        const std::vector<uint8_t> before = frame.Memory();
         unsigned int order[4] = {c.order[0], c.order[1], c.order[2], c.order[3]};
-        EXPECT_FALSE(Processors::CChannelReverse().Process(frame.Get(), order)) << c.format;
-        EXPECT_EQ(frame.Memory(), before) << c.format;
+        frame.ExpectRefused([&] { return Processors::CChannelReverse().Process(frame.Get(), order); });
     }
     TestFrame src(pfMono8, 2, 2), dst(pfVideoSample, 2, 2);
-    const std::vector<uint8_t> before = dst.Memory();
-    EXPECT_FALSE(Processors::CChannelReverse().Process(src.Get(), dst.Get()));
-    EXPECT_FALSE(Processors::CChannelReverse().Process(nullptr, dst.Get()));
-    EXPECT_FALSE(Processors::CChannelReverse().Process(dst.Get(), static_cast<CFrame*>(nullptr)));
-    EXPECT_EQ(dst.Memory(), before);
+    dst.ExpectRefused([&] {
+        return Processors::CChannelReverse().Process(src.Get(), dst.Get()) ||
+               Processors::CChannelReverse().Process(nullptr, dst.Get()) ||
+               Processors::CChannelReverse().Process(dst.Get(), static_cast<CFrame*>(nullptr));
+    });
 }
 
 TEST_P(CopyPlane, MovesOneChannelBetweenEveryPairOfDepths)
@@ -315,11 +298,9 @@ TEST_P(CopyPlane, RefusesPairsWithoutAPrimitive)
                  {2, 4, 4, 0, 0},  {5, 16, 16, 0, 0}, {0, 4, 4, 4, 0}, {4, 16, 16, 0, -1}};
     for (const auto& c : cases) {
         TestFrame src(static_cast<PixelFormat>(c.srcFormat), 2, 2, c.srcDepth), dst(pfVideoSample, 2, 2, c.dstDepth);
+        SCOPED_TRACE(testing::Message() << c.srcFormat << " " << c.srcDepth << " to " << c.dstDepth);
         src.FillPattern();
-        const std::vector<uint8_t> before = dst.Memory();
-        EXPECT_FALSE(Processors::CCopyPlane().Process(src.Get(), dst.Get(), c.srcPlane, c.dstPlane))
-            << c.srcFormat << " " << c.srcDepth << " to " << c.dstDepth;
-        EXPECT_EQ(dst.Memory(), before);
+        dst.ExpectRefused([&] { return Processors::CCopyPlane().Process(src.Get(), dst.Get(), c.srcPlane, c.dstPlane); });
     }
 }
 
@@ -364,11 +345,10 @@ TEST_P(SetColor, RefusesFormatsAndDepthsWithoutAFill)
     } cases[] = {{2, 4}, {5, 16}, {6, 4}, {3, 4 * 2}, {7, 8}, {0, 4}};
     for (const auto& c : cases) {
         TestFrame frame(static_cast<PixelFormat>(c.format), 3, 2, c.depth);
+        SCOPED_TRACE(testing::Message() << c.format << " depth " << c.depth);
         if (c.format == 0)
             frame->m_nByteSpan = 8;   // a span that can't hold a row
-        const std::vector<uint8_t> before = frame.Memory();
-        EXPECT_FALSE(Processors::CSetColor().Process(frame.Get(), 0xFFFFFFFFu)) << c.format << " depth " << c.depth;
-        EXPECT_EQ(frame.Memory(), before);
+        frame.ExpectRefused([&] { return Processors::CSetColor().Process(frame.Get(), 0xFFFFFFFFu); });
     }
     EXPECT_FALSE(Processors::CSetColor().Process(nullptr, 0));
 }
@@ -398,56 +378,45 @@ TEST_P(SetChannelColor, FillsOnePositionWithTheLowByte)
         unsigned int channel;
     } refused[] = {{7, 4, 0}, {6, 1, 0}, {0, 16, 0}, {3, 4, 0}, {2, 4, 0}, {0, 4, 4}, {4, 16, 7}};
     for (const auto& c : refused) {
+        SCOPED_TRACE(testing::Message() << c.format << " depth " << c.depth << " channel " << c.channel);
         TestFrame frame(static_cast<PixelFormat>(c.format), 3, 2, c.depth);
-        const std::vector<uint8_t> before = frame.Memory();
-        EXPECT_FALSE(Processors::CSetChannelColor().Process(frame.Get(), c.channel, 9)) << c.format;
-        EXPECT_EQ(frame.Memory(), before);
+        frame.ExpectRefused([&] { return Processors::CSetChannelColor().Process(frame.Get(), c.channel, 9); });
+    }
+}
+
+// The two pixels of a 2 x 1 float frame are these eight samples, NaN matching NaN.
+void ExpectFloats(TestFrame& frame, const float (&expected)[8])
+{
+    for (int i = 0; i < 8; ++i) {
+        const float value = frame.GetFloat(i / 4, 0, i % 4);
+        if (std::isnan(expected[i]))
+            EXPECT_TRUE(std::isnan(value)) << "sample " << i;
+        else
+            EXPECT_EQ(value, expected[i]) << "sample " << i;
     }
 }
 
 TEST_P(FloatArithmetic, SquareRootAndFloorRunOverAllFourSamples)
 {
     for (PixelFormat format : {pfVideoSampleFloat, pfVideoSampleSwappedFloat}) {
+        SCOPED_TRACE(testing::Message() << "format " << format);
         TestFrame frame(format, 2, 1);
         frame.SetFloats(0, 0, 3.0f, -2.0f, 0.5f, 0.0f);
         frame.SetFloats(1, 0, 4.0f, 0.25f, kNaN, 1.0f);
         ASSERT_TRUE(Processors::CSqrInPlace().Process(frame.Get()));
-        const float squared[8] = {9.0f, 4.0f, 0.25f, 0.0f, 16.0f, 0.0625f, kNaN, 1.0f};
-        for (int i = 0; i < 8; ++i) {
-            const float value = frame.GetFloat(i / 4, 0, i % 4);
-            if (std::isnan(squared[i]))
-                EXPECT_TRUE(std::isnan(value));
-            else
-                EXPECT_EQ(value, squared[i]) << i;
-        }
+        ExpectFloats(frame, {9.0f, 4.0f, 0.25f, 0.0f, 16.0f, 0.0625f, kNaN, 1.0f});
         ASSERT_TRUE(Processors::CSqrtInPlace().Process(frame.Get()));
-        const float roots[8] = {3.0f, 2.0f, 0.5f, 0.0f, 4.0f, 0.25f, kNaN, 1.0f};
-        for (int i = 0; i < 8; ++i) {
-            const float value = frame.GetFloat(i / 4, 0, i % 4);
-            if (std::isnan(roots[i]))
-                EXPECT_TRUE(std::isnan(value));
-            else
-                EXPECT_EQ(value, roots[i]) << i;
-        }
+        ExpectFloats(frame, {3.0f, 2.0f, 0.5f, 0.0f, 4.0f, 0.25f, kNaN, 1.0f});
         // A negative sample: the whole picture is still done, but the answer is false.
         frame.SetFloats(0, 0, -1.0f, 16.0f, 9.0f, 0.0f);
         EXPECT_FALSE(Processors::CSqrtInPlace().Process(frame.Get()));
-        EXPECT_TRUE(std::isnan(frame.GetFloat(0, 0, 0)));
-        EXPECT_EQ(frame.GetFloat(0, 0, 1), 4.0f);
-        EXPECT_EQ(frame.GetFloat(1, 0, 0), 2.0f);
+        ExpectFloats(frame, {kNaN, 4.0f, 3.0f, 0.0f, 2.0f, 0.5f, kNaN, 1.0f});
 
         const float floor[4] = {0.1f, 0.1f, 0.1f, 0.0f};
         frame.SetFloats(0, 0, 0.1f, 0.05f, 0.2f, -0.5f);
         frame.SetFloats(1, 0, kNaN, -3.0f, 0.1f, 0.0f);
         ASSERT_TRUE(Processors::CThresholdLTInPlace().Process(frame.Get(), floor));
-        const float floored[8] = {0.1f, 0.1f, 0.2f, 0.0f, kNaN, 0.1f, 0.1f, 0.0f};
-        for (int i = 0; i < 8; ++i) {
-            const float value = frame.GetFloat(i / 4, 0, i % 4);
-            if (std::isnan(floored[i]))
-                EXPECT_TRUE(std::isnan(value));
-            else
-                EXPECT_EQ(value, floored[i]) << i;
-        }
+        ExpectFloats(frame, {0.1f, 0.1f, 0.2f, 0.0f, kNaN, 0.1f, 0.1f, 0.0f});
         EXPECT_FALSE(Processors::CThresholdLTInPlace().Process(frame.Get(), nullptr));
     }
 }
@@ -465,13 +434,14 @@ TEST_P(FloatArithmetic, RefusesAllButWholeFourFloatFrames)
                  {"span below the row", 4, 2, 2, 16, 24}};
     for (const auto& c : cases) {
         TestFrame frame(static_cast<PixelFormat>(c.format), c.width, c.height, c.depth);
+        SCOPED_TRACE(c.what);
         if (c.span >= 0)
             frame->m_nByteSpan = c.span;
         const std::vector<uint8_t> before = frame.Memory();
-        EXPECT_FALSE(Processors::CSqrInPlace().Process(frame.Get())) << c.what;
-        EXPECT_FALSE(Processors::CSqrtInPlace().Process(frame.Get())) << c.what;
-        EXPECT_FALSE(Processors::CThresholdLTInPlace().Process(frame.Get(), floor)) << c.what;
-        EXPECT_EQ(frame.Memory(), before) << c.what;
+        EXPECT_FALSE(Processors::CSqrInPlace().Process(frame.Get()));
+        EXPECT_FALSE(Processors::CSqrtInPlace().Process(frame.Get()));
+        EXPECT_FALSE(Processors::CThresholdLTInPlace().Process(frame.Get(), floor));
+        EXPECT_EQ(frame.Memory(), before);
     }
     CFrame empty;
     empty.m_pfPixelFormat = pfVideoSampleFloat;

@@ -1,4 +1,6 @@
 #pragma once
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -37,6 +39,15 @@ public:
 
     // Every byte outside the top-left width x height pixels is as it was before.
     void ExpectUntouchedOutside(const std::vector<uint8_t>& before, int width, int height) const;
+
+    // The call answers false and leaves every byte of this frame as it was.
+    template <typename Call>
+    void ExpectRefused(Call call)
+    {
+        const std::vector<uint8_t> before = m_memory;
+        EXPECT_FALSE(call());
+        EXPECT_EQ(m_memory, before);
+    }
     size_t Offset(int x, int y) const
     {
         return static_cast<size_t>(y) * m_frame.m_nByteSpan + static_cast<size_t>(x) * m_frame.m_nDepth;
