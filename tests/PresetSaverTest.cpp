@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstddef>
 #include <cstring>
 #include <functional>
 #include <stdexcept>
@@ -8,8 +9,8 @@
 
 #include "../Common/PresetSaver.h"
 #include "../Common/PresetSerializer.h"
-#include "../DeglarerPro/Deglarer.h"
 #include "../DeglarerPro/DeglarerPro.h"
+#include "../include/VideoEffect.h"
 #include "../platform/HomeDirectory.h"
 #include "../platform/UserInterface.h"
 #include "PresetTestRecords.h"
@@ -68,8 +69,7 @@ protected:
     void ExpectOneAlert(const char* title, const char* text)
     {
         ASSERT_EQ(ui.Alerts().size(), 1u);
-        EXPECT_EQ(ui.Alerts()[0].title, title);
-        EXPECT_EQ(ui.Alerts()[0].message, text);
+        EXPECT_EQ(ui.Alerts()[0].title + "|" + ui.Alerts()[0].message, std::string(title) + "|" + text);
         EXPECT_EQ(ui.Alerts()[0].buttons, std::vector<std::string>{"OK"});
     }
 
@@ -87,17 +87,13 @@ TEST_F(PresetSaverTest, NamesTheFileTypeAfterLibraryAndEffect)
         unsigned int effect;
         const char* extension;
     };
-    const Case cases[] = {
-        {kLibraryName, 0, "fxpunka"}, {kLibraryName, 1, "fxpunkb"},  {kLibraryName, 25, "fxpunkz"},
-        {kLibraryName, 26, "prs"},    {kLibraryName, UINT_MAX, "prs"}, {"tessarel deglarer pro", 0, "fxpunka"},
-        {"", 2, "fxpunkc"},           {nullptr, 0, "prs"},           {nullptr, 7, "prs"},
-    };
+    const Case cases[] = {{kLibraryName, 0, "fxpunka"}, {kLibraryName, 25, "fxpunkz"}, {kLibraryName, 26, "prs"},
+                          {kLibraryName, UINT_MAX, "prs"}, {"", 2, "fxpunkc"}, {nullptr, 0, "prs"}};
     for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.library ? c.library : "null") + " " + std::to_string(c.effect));
         char out[CPresetSaver::kExtensionBufferSize + 8];
         std::memset(out, '#', sizeof out);
         CPresetSaver::GetEffectExtension(c.library, c.effect, out);
-        EXPECT_STREQ(out, c.extension);
+        EXPECT_STREQ(out, c.extension) << c.effect;
         EXPECT_EQ(std::string(out + CPresetSaver::kExtensionBufferSize, 8), "########");
     }
     CPresetSaver::GetEffectExtension(kLibraryName, 0, nullptr);
@@ -107,7 +103,6 @@ TEST_F(PresetSaverTest, SavesUnderTheLibraryAndEffectNamesAndLoadsItBack)
 {
     // A cancelled panel, and no panel at all without a preset or a library: nothing changes.
     CEffectPreset preset = EffectPreset("Evening");
-    std::strcpy(preset.LibraryName, "stale");
     std::memset(preset.EffectName, 'z', sizeof preset.EffectName);
     const CEffectPreset before = preset;
     EXPECT_EQ(Save(&preset), 1);
@@ -121,8 +116,6 @@ TEST_F(PresetSaverTest, SavesUnderTheLibraryAndEffectNamesAndLoadsItBack)
 
     const std::string path = files.Path("evening.fxpunka");
     ASSERT_EQ(Save(&preset, path), 0);
-    EXPECT_EQ(std::string(preset.LibraryName, sizeof preset.LibraryName),
-              kLibraryName + std::string(sizeof preset.LibraryName - std::strlen(kLibraryName), '\0'));
     EXPECT_EQ(std::string(preset.EffectName, sizeof preset.EffectName),
               kEffectName + std::string(sizeof preset.EffectName - std::strlen(kEffectName), '\0'));
     EXPECT_NE(ReadFile(path).find("<Preset Name=\"Evening\" LibraryName=\"Tessarel Deglarer Pro\" "
@@ -131,9 +124,8 @@ TEST_F(PresetSaverTest, SavesUnderTheLibraryAndEffectNamesAndLoadsItBack)
     CEffectPreset loaded = Untouched();
     ASSERT_EQ(Load(&loaded, path), 0);
     EXPECT_TRUE(ui.Alerts().empty());
-    EXPECT_STREQ(loaded.Name, "Evening");
     ASSERT_EQ(loaded.nCount, 3);
-    EXPECT_EQ(0, std::memcmp(loaded.Params, preset.Params, 3 * sizeof(EffectParam)));
+    EXPECT_EQ(std::memcmp(&loaded, &preset, offsetof(CEffectPreset, Params) + 3 * sizeof(EffectParam)), 0);
 
     // Both panels start in the home directory, filtered by the extension; the save panel offers
     // "MyPreset".
@@ -147,69 +139,28 @@ TEST_F(PresetSaverTest, SavesUnderTheLibraryAndEffectNamesAndLoadsItBack)
     EXPECT_EQ(ui.Panels()[0].defaultName, "MyPreset.fxpunka");
 }
 
-TEST_F(PresetSaverTest, RoundTripsEveryStockPresetThroughTheSaver)
-{
-    CDeglarer effect;
-    for (unsigned int stock = 0; stock < CDeglarer::kPresetCount; ++stock) {
-        SCOPED_TRACE(effect.EnumPreset(stock));
-        CEffectPreset preset = Record(effect.EnumPreset(stock), "", "", {});
-        CEffectPreset expected = Untouched();
-        for (unsigned int index = 0; index < CDeglarer::kParamCount; ++index) {
-            EffectParamSetup setup;
-            std::memset(&setup, 0, sizeof setup);
-            ASSERT_TRUE(effect.EnumParam(index, &setup));
-            EffectParam& parameter = preset.Params[preset.nCount++];
-            ASSERT_TRUE(effect.EnumPresetData(stock, index, &parameter));
-            parameter.dwType = setup.dwType;
-            expected.Params[index] = setup.dwType == eptFloat ? Float(ThroughText(parameter.value.fValue))
-                                                               : Bool(parameter.value.bValue);
-        }
-        const std::string path = files.Path("stock" + std::to_string(stock) + ".fxpunka");
-        ASSERT_EQ(Save(&preset, path), 0);
-        CEffectPreset loaded = Untouched();
-        ASSERT_EQ(Load(&loaded, path), 0);
-        EXPECT_STREQ(loaded.Name, effect.EnumPreset(stock));
-        ASSERT_EQ(loaded.nCount, 3);
-        EXPECT_EQ(0, std::memcmp(loaded.Params, expected.Params, sizeof loaded.Params));
-    }
-    EXPECT_TRUE(ui.Alerts().empty());
-}
-
 TEST_F(PresetSaverTest, ShowsTheSaveAlertWhenTheFileCantBeWritten)
 {
-    // A path that fits the 255-byte buffer with its terminator, and one that doesn't, though its
+    // A path that fits the 255-byte buffer with its terminator, and one a byte longer; both
     // folders exist.
-    auto pathOfLength = [this](size_t length) {
-        std::string directory = files.Root();
-        while (directory.size() + 1 + 100 + 1 + 9 < length)
-            directory += "/" + std::string(100, 'd');
-        directory += "/" + std::string(length - directory.size() - 1 - 9 - 1, 'e');
-        std::filesystem::create_directories(directory);
-        return directory + "/p.fxpunka";
-    };
-    const std::string fits = pathOfLength(CPresetSaver::kPathBufferSize - 1);
-    const std::string tooLong = pathOfLength(CPresetSaver::kPathBufferSize);
-    ASSERT_EQ(fits.size(), 254u);
-    ASSERT_EQ(tooLong.size(), 255u);
+    const std::string folder = files.Root() + "/" + std::string(100, 'd');
+    const std::string fits = folder + "/" + std::string(253 - folder.size() - 10, 'e') + "/p.fxpunka";
+    const std::string tooLong = folder + "/" + std::string(254 - folder.size() - 10, 'e') + "/p.fxpunka";
+    ASSERT_EQ(fits.size(), CPresetSaver::kPathBufferSize - 1u);
+    std::filesystem::create_directories(std::filesystem::path(fits).parent_path());
+    std::filesystem::create_directories(std::filesystem::path(tooLong).parent_path());
     CEffectPreset preset = EffectPreset();
     EXPECT_EQ(Save(&preset, fits), 0);
     EXPECT_TRUE(ui.Alerts().empty());
 
-    struct Case {
-        const char* what;
-        std::string path;
-        unsigned int effect;
-    };
-    const Case cases[] = {
-        {"a missing folder", files.Path("no/such/folder/p.fxpunka"), 0},
-        {"a path beyond the buffer", tooLong, 0},
-        {"an effect the library hasn't: no name, no file that could load", files.Path("b.fxpunkb"), 1},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(Save(&preset, c.path, nullptr, c.effect), 1);
+    // A missing folder, a path beyond the buffer, an effect the library hasn't (no name, so no
+    // file that could load).
+    const std::pair<std::string, unsigned int> refused[] = {
+        {files.Path("no/such/p.fxpunka"), 0}, {tooLong, 0}, {files.Path("b.fxpunkb"), 1}};
+    for (const auto& c : refused) {
+        EXPECT_EQ(Save(&preset, c.first, nullptr, c.second), 1) << c.first;
         ExpectOneAlert(kSaveFailedTitle, kSaveFailedText);
-        EXPECT_FALSE(std::filesystem::exists(c.path));
+        EXPECT_FALSE(std::filesystem::exists(c.first));
     }
     EXPECT_EQ(ui.Panels().back().defaultName, "MyPreset.fxpunkb");
 
@@ -228,29 +179,23 @@ TEST_F(PresetSaverTest, LoadShowsWhyAFileWasRefused)
         return "<Preset Name=\"x\" LibraryName=\"" + library + "\" EffectName=\"" + effect + "\">" + parameters +
                "</Preset>";
     };
-    const std::string three = "<parameter type=\"2\" value=\"0.5\"/><parameter type=\"2\" value=\"0.5\"/>"
-                              "<parameter type=\"4\" value=\"1\"/>";
+    const std::string f = "<parameter type=\"2\" value=\"0.5\"/>", b = "<parameter type=\"4\" value=\"1\"/>";
     struct Case {
-        const char* what;
         std::string file;   // empty: no file at the path
         const char* text;   // null: loaded
-        bool changesRecord;
     };
     const Case cases[] = {
-        {"no file", "", kLoadFailedText, false},
-        {"not XML", "garbage", kLoadFailedText, false},
-        {"no parameters", fileWith(kLibraryName, kEffectName, ""), kLoadFailedText, true},
-        {"another effect", fileWith(kLibraryName, "Deglarer", three), kMismatchText, true},
-        {"another library", fileWith("Tessarel Deglarer", kEffectName, three), kMismatchText, true},
-        {"a wrong type", fileWith(kLibraryName, kEffectName,
-                                  "<parameter type=\"2\" value=\"0.5\"/><parameter type=\"4\" value=\"1\"/>"
-                                  "<parameter type=\"4\" value=\"1\"/>"),
-         kMismatchText, true},
-        {"too few", fileWith(kLibraryName, kEffectName, "<parameter type=\"2\" value=\"0.5\"/>"), kMismatchText, true},
-        {"more than the effect has are taken", fileWith(kLibraryName, kEffectName, three + three), nullptr, true},
+        {"", kLoadFailedText},
+        {"garbage", kLoadFailedText},
+        {fileWith(kLibraryName, kEffectName, ""), kLoadFailedText},
+        {fileWith(kLibraryName, "Deglarer", f + f + b), kMismatchText},
+        {fileWith("Tessarel Deglarer", kEffectName, f + f + b), kMismatchText},
+        {fileWith(kLibraryName, kEffectName, f + b + b), kMismatchText},
+        {fileWith(kLibraryName, kEffectName, f), kMismatchText},
+        {fileWith(kLibraryName, kEffectName, f + f + b + f), nullptr},   // more than the effect has are taken
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
+        SCOPED_TRACE(c.file);
         CEffectPreset preset = Untouched();
         const std::string path = c.file.empty() ? files.Path("gone.fxpunka") : files.Write("refused.fxpunka", c.file);
         EXPECT_EQ(Load(&preset, path), c.text != nullptr ? 1 : 0);
@@ -258,9 +203,8 @@ TEST_F(PresetSaverTest, LoadShowsWhyAFileWasRefused)
             ExpectOneAlert(kLoadFailedTitle, c.text);
         else
             EXPECT_TRUE(ui.Alerts().empty());
-        EXPECT_EQ(!SameBytes(preset, Untouched()), c.changesRecord);
-        EXPECT_EQ(Load(&preset), 1) << "a cancel";
-        EXPECT_TRUE(ui.Alerts().empty()) << "a cancel says nothing";
+        // Only a file that parsed changes the record.
+        EXPECT_EQ(SameBytes(preset, Untouched()), c.file.size() < 10);
     }
 }
 
@@ -274,30 +218,23 @@ TEST_F(PresetSaverTest, ValidatesNamesAndTheTypesOfTheEffectsOwnParameters)
     };
     const Case cases[] = {
         {"the effect's own", [](CEffectPreset&) {}, true},
-        {"one more", [](CEffectPreset& p) { p.Params[p.nCount++] = Integer(5); }, true},
         {"a hundred", [](CEffectPreset& p) { p.nCount = 100; }, true},
         {"a count beyond the records", [](CEffectPreset& p) { p.nCount = INT_MAX; }, true},
         {"one fewer", [](CEffectPreset& p) { p.nCount = 2; }, false},
-        {"none", [](CEffectPreset& p) { p.nCount = 0; }, false},
         {"a negative count", [](CEffectPreset& p) { p.nCount = -3; }, false},
-        {"second a boolean", [](CEffectPreset& p) { p.Params[1] = Bool(1); }, false},
         {"third a float", [](CEffectPreset& p) { p.Params[2] = Float(1); }, false},
-        {"values are not checked", [](CEffectPreset& p) { p.Params[0].value.fValue = -1e30f; }, true},
         {"another library", [](CEffectPreset& p) { std::strcpy(p.LibraryName, "Tessarel Deglarer"); }, false},
-        {"another effect", [](CEffectPreset& p) { std::strcpy(p.EffectName, "Deglarer pro"); }, false},
         {"a longer effect name", [](CEffectPreset& p) { std::strcpy(p.EffectName, "Deglarer Pro "); }, false},
         {"a name without terminator", [](CEffectPreset& p) { std::memset(p.EffectName, 'D', 260); }, false},
         {"an effect the library hasn't", [](CEffectPreset&) {}, false, 1},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
         CEffectPreset preset = EffectPreset();
         c.change(preset);
         const CEffectPreset before = preset;
-        EXPECT_EQ(CPresetSaver::ValidatePreset(library, c.effect, &preset), c.valid);
+        EXPECT_EQ(CPresetSaver::ValidatePreset(library, c.effect, &preset), c.valid) << c.what;
         EXPECT_TRUE(SameBytes(preset, before)) << "validation writes nothing";
     }
-
     CEffectPreset preset = EffectPreset();
     EXPECT_FALSE(CPresetSaver::ValidatePreset(library, 0, nullptr));
     for (int32_t count : {0, 1, -1}) {
@@ -307,25 +244,19 @@ TEST_F(PresetSaverTest, ValidatesNamesAndTheTypesOfTheEffectsOwnParameters)
 }
 
 // A library that misbehaves as a host's plug-ins might: an effect with no end of parameters,
-// names that are null, calls that throw. It counts the effects alive.
+// names that are null, calls that throw. It counts the effects alive; an effect goes with the one
+// reference it is made with.
 class OddLibrary : public IEffectLibrary {
 public:
     enum Behaviour { kEndlessParameters, kNullNames, kThrows };
     explicit OddLibrary(Behaviour behaviour) : m_behaviour(behaviour) {}
 
-    class Effect : public IVideoEffect {
-    public:
+    struct Effect : IVideoEffect {
         explicit Effect(OddLibrary* owner) : m_owner(owner) { ++m_owner->m_liveEffects; }
         ~Effect() override { --m_owner->m_liveEffects; }
         HRESULT QueryInterface(const _GUID&, void**) override { return E_NOINTERFACE; }
-        ULONG AddRef() override { return ++m_references; }
-        ULONG Release() override
-        {
-            const ULONG left = --m_references;
-            if (left == 0)
-                delete this;
-            return left;
-        }
+        ULONG AddRef() override { return 2; }
+        ULONG Release() override { return delete this, 0; }
         const char* GetName() override
         {
             if (m_owner->m_behaviour == kThrows)
@@ -337,10 +268,7 @@ public:
         bool Render(IVideoHost*, FrameParams*, FrameParams*, FrameParams*, RenderInfo*) override { return false; }
         const char* EnumPreset(unsigned int) override { return nullptr; }
         bool EnumPresetData(unsigned int, unsigned int, EffectParam*) override { return false; }
-
-    private:
         OddLibrary* m_owner;
-        ULONG m_references = 1;
     };
 
     HRESULT QueryInterface(const _GUID&, void**) override { return E_NOINTERFACE; }
@@ -364,7 +292,7 @@ TEST_F(PresetSaverTest, OddLibrariesGetResultsAndTheirEffectsBack)
     CEffectPreset preset = Record("p", "Odd Library", "Odd", {});
     for (int index = 0; index < kPresetMaxParams; ++index)
         preset.Params[index] = Float(0.5f);
-    for (int32_t count : {3, 100, 101, INT_MAX}) {
+    for (int32_t count : {3, 100, INT_MAX}) {
         preset.nCount = count;
         EXPECT_FALSE(CPresetSaver::ValidatePreset(&endless, 0, &preset)) << count;
     }
@@ -386,7 +314,6 @@ TEST_F(PresetSaverTest, OddLibrariesGetResultsAndTheirEffectsBack)
     // A throwing effect: the slots return 1, say so, and nothing escapes.
     OddLibrary throwing(OddLibrary::kThrows);
     preset = Record("p", "Odd Library", "Odd", {Float(0.5f)});
-    EXPECT_FALSE(CPresetSaver::ValidatePreset(&throwing, 0, &preset));
     EXPECT_EQ(Save(&preset, files.Path("throwing.fxpunka"), &throwing), 1);
     ExpectOneAlert(kSaveFailedTitle, kSaveFailedText);
     EXPECT_FALSE(std::filesystem::exists(files.Path("throwing.fxpunka")));
