@@ -4,10 +4,8 @@
 
 #include <pthread.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <boost/locale/utf.hpp>
-#include <cstdio>
 #include <random>
 #include <string>
 #include <vector>
@@ -81,37 +79,27 @@ bool ValidText(const char (&field)[N])
 
 TEST_F(PresetHostileFileTest, RefusesFilesThatAreNoPresetAndLeavesTheRecord)
 {
-    struct Case {
-        const char* what;
-        std::string text;
+    const std::string parameter = "<parameter type=\"1\" value=\"1\"/>";
+    const std::string cases[] = {
+        "",
+        "Fine Tune 0.7 0.2 1",
+        std::string("\x00\x01\x02\xff\xfe<\x00Preset", 12),
+        "<Presets Name=\"x\">" + parameter + "</Presets>",
+        "<preset Name=\"x\">" + parameter + "</preset>",
+        "<Wrap><Preset Name=\"x\">" + parameter + "</Preset></Wrap>",
+        "<Preset Name=\"x\"><parameter type=\"1\" value=\"1\"></Preset>",
+        "<Preset Name=\"x\" Name=\"y\">" + parameter + "</Preset>",
+        "<Preset>" + parameter + "<!-- </Preset>",
+        "<Preset Name=\"x>" + parameter + "</Preset>",
+        "<?xml version=\"1.0\" ?><Preset Name=\"\xf0",   // a character cut at the end
+        "\xef\xbb\xbf<Preset Name=\"a\xe2\"/>\xe2",
+        std::string("<Preset Name=\"a\0b\"><parameter/></Preset>", 40),
+        "<!-- Effect's Preset File -->",
     };
-    const Case cases[] = {
-        {"empty", ""},
-        {"blanks", " \n\t \n"},
-        {"plain text", "Fine Tune 0.7 0.2 1"},
-        {"other format", "{\"Preset\": {\"Name\": \"x\"}}"},
-        {"binary", std::string("\x00\x01\x02\xff\xfe<\x00Preset", 12)},
-        {"wrong root", "<Presets Name=\"x\"><parameter type=\"1\" value=\"1\"/></Presets>"},
-        {"root in other case", "<preset Name=\"x\"><parameter type=\"1\" value=\"1\"/></preset>"},
-        {"root below another", "<Wrap><Preset Name=\"x\"><parameter type=\"1\" value=\"1\"/></Preset></Wrap>"},
-        {"unclosed root", "<Preset Name=\"x\"><parameter type=\"1\" value=\"1\"/>"},
-        {"mismatched close", "<Preset Name=\"x\"><parameter type=\"1\" value=\"1\"></Preset>"},
-        {"duplicated attribute", "<Preset Name=\"x\" Name=\"y\"><parameter type=\"1\" value=\"1\"/></Preset>"},
-        {"duplicated value", "<Preset><parameter type=\"1\" value=\"1\" value=\"2\"/></Preset>"},
-        {"open comment", "<Preset><parameter type=\"1\" value=\"1\"/><!-- </Preset>"},
-        {"open attribute", "<Preset Name=\"x><parameter type=\"1\" value=\"1\"/></Preset>"},
-        {"character cut at the end", "<?xml version=\"1.0\" ?><Preset Name=\"\xf0"},
-        {"lead byte before the end", "\xef\xbb\xbf<Preset Name=\"a\xe2\"/>\xe2"},
-        {"NUL inside", std::string("<Preset Name=\"a\0b\"><parameter/></Preset>", 40)},
-        {"only a declaration", "<?xml version=\"1.0\" ?>"},
-        {"only a comment", "<!-- Effect's Preset File -->"},
-    };
-    for (const Case& c : cases)
-        EXPECT_TRUE(Refused(c.text)) << c.what;
-}
+    for (const std::string& text : cases)
+        EXPECT_TRUE(Refused(text)) << text;
 
-TEST_F(PresetHostileFileTest, RefusesEveryTruncationOfAValidFile)
-{
+    // Every truncation of a valid file.
     const std::string whole = kFineTuneFile;
     const size_t complete = whole.find("</Preset>") + std::strlen("</Preset>");
     for (size_t length = 0; length < complete; ++length)
@@ -119,75 +107,31 @@ TEST_F(PresetHostileFileTest, RefusesEveryTruncationOfAValidFile)
     CEffectPreset preset = Untouched();
     EXPECT_TRUE(serializer.Load(files.Write("whole.fxpunka", whole.substr(0, complete)).c_str(), &preset));
     EXPECT_EQ(preset.nCount, 3);
+
+    // What is no readable file, through the serializer.
+    const std::string pipe = files.Path("pipe.fxpunka");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& path : {files.Path("missing.fxpunka"), files.Root(), std::string("/dev/zero"), pipe})
+        EXPECT_FALSE(serializer.Load(path.c_str(), &preset)) << path;
 }
 
 TEST_F(PresetHostileFileTest, APresetWithoutParametersSetsOnlyTheNames)
 {
-    for (const std::string& text : {std::string("<Preset Name=\"Only\" LibraryName=\"L\" />"),
-                                    std::string("<Preset Name=\"Only\" LibraryName=\"L\"><other/></Preset>"),
-                                    std::string("<Preset Name=\"Only\" LibraryName=\"L\">text</Preset>")}) {
-        CEffectPreset preset = Untouched();
-        EXPECT_FALSE(serializer.Load(files.Write("p.fxpunka", text).c_str(), &preset)) << text;
-        EXPECT_STREQ(preset.Name, "Only");
-        EXPECT_STREQ(preset.LibraryName, "L");
-        EXPECT_STREQ(preset.EffectName, "");
-        EXPECT_EQ(preset.nCount, 0);
-    }
-    // A second root is ignored; the first one counts.
     CEffectPreset preset = Untouched();
-    EXPECT_TRUE(serializer.Load(files.Write("p.fxpunka", "<Preset Name=\"first\"><parameter/></Preset>"
-                                                         "<Preset Name=\"second\"/>")
-                                    .c_str(),
-                                &preset));
+    EXPECT_FALSE(serializer.Load(
+        files.Write("p.fxpunka", "<Preset Name=\"Only\" LibraryName=\"L\"><other/>text</Preset>").c_str(), &preset));
+    EXPECT_STREQ(preset.Name, "Only");
+    EXPECT_STREQ(preset.LibraryName, "L");
+    EXPECT_STREQ(preset.EffectName, "");
+    EXPECT_EQ(preset.nCount, 0);
+    // A second root is ignored; the first one counts.
+    EXPECT_TRUE(serializer.Load(
+        files.Write("p.fxpunka", "<Preset Name=\"first\"><parameter/></Preset><Preset Name=\"second\"/>").c_str(),
+        &preset));
     EXPECT_STREQ(preset.Name, "first");
 }
 
-TEST_F(PresetHostileFileTest, RefusesWhatIsNoReadableFile)
-{
-    CEffectPreset preset = Untouched();
-    EXPECT_FALSE(serializer.Load(files.Path("missing.fxpunka").c_str(), &preset));
-    EXPECT_FALSE(serializer.Load(files.Root().c_str(), &preset)) << "a directory";
-    EXPECT_FALSE(serializer.Load("/dev/null", &preset));
-    EXPECT_FALSE(serializer.Load("/dev/zero", &preset)) << "a device without end";
-    const std::string pipe = files.Path("pipe.fxpunka");
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_FALSE(serializer.Load(pipe.c_str(), &preset)) << "a pipe nobody writes: no waiting";
-    const std::string loop = files.Path("loop.fxpunka");
-    ASSERT_EQ(symlink(loop.c_str(), loop.c_str()), 0);
-    EXPECT_FALSE(serializer.Load(loop.c_str(), &preset));
-    std::string longPath = files.Root();
-    while (longPath.size() < 5000)
-        longPath += "/d";
-    EXPECT_FALSE(serializer.Load(longPath.c_str(), &preset)) << "a path beyond the system's limit";
-    EXPECT_FALSE(serializer.Load(std::string(300, 'n').c_str(), &preset)) << "a name beyond the system's limit";
-    EXPECT_TRUE(SameBytes(preset, Untouched()));
-}
-
-TEST_F(PresetHostileFileTest, RefusesAFileItMayNotRead)
-{
-    const std::string path = files.Write("private.fxpunka", kFineTuneFile);
-    ASSERT_EQ(chmod(path.c_str(), 0), 0);
-    if (geteuid() != 0) {
-        CEffectPreset preset = Untouched();
-        EXPECT_FALSE(serializer.Load(path.c_str(), &preset));
-        EXPECT_TRUE(SameBytes(preset, Untouched()));
-        return;
-    }
-    // Permissions don't stop root, so the load runs in a child that has given up root.
-    ASSERT_EQ(chmod(files.Root().c_str(), 0755), 0);
-    EXPECT_EXIT(
-        {
-            if (setgid(65534) != 0 || setuid(65534) != 0)
-                std::_Exit(2);
-            CEffectPreset preset = Untouched();
-            const bool loaded = CPresetSerializer().Load(path.c_str(), &preset);
-            std::_Exit(!loaded && SameBytes(preset, Untouched()) ? 0 : 1);
-        },
-        ::testing::ExitedWithCode(0), "")
-        << "exit code 2 means the child could not give up root";
-}
-
-TEST_F(PresetHostileFileTest, TakesFilesUpToTheSizeLimitAndRefusesAHundredMegabytesAtOnce)
+TEST_F(PresetHostileFileTest, TakesFilesUpToTheSizeLimitAndNoMore)
 {
     const std::string head = "<Preset Name=\"big\"><parameter type=\"1\" value=\"9\"/>", tail = "</Preset>";
     const size_t limit = CPresetSerializer::kMaxFileBytes;
@@ -197,23 +141,6 @@ TEST_F(PresetHostileFileTest, TakesFilesUpToTheSizeLimitAndRefusesAHundredMegaby
         &preset));
     EXPECT_EQ(preset.Params[0].value.nValue, 9);
     EXPECT_TRUE(Refused(head + std::string(limit + 1 - head.size() - tail.size(), ' ') + tail));
-
-    const std::string path = files.Path("huge.fxpunka");
-    FILE* file = std::fopen(path.c_str(), "wb");
-    ASSERT_NE(file, nullptr);
-    std::fputs("<Preset Name=\"huge\">", file);
-    std::string chunk;
-    while (chunk.size() < (1 << 20))
-        chunk += "<parameter type=\"2\" value=\"0.5\" />";
-    for (int megabyte = 0; megabyte < 100; ++megabyte)
-        std::fwrite(chunk.data(), 1, chunk.size(), file);
-    std::fputs("</Preset>", file);
-    ASSERT_EQ(std::fclose(file), 0);
-    ASSERT_GT(std::filesystem::file_size(path), 100u << 20);
-    preset = Untouched();
-    EXPECT_FALSE(serializer.Load(path.c_str(), &preset));
-    EXPECT_TRUE(SameBytes(preset, Untouched()));
-    std::remove(path.c_str());
 }
 
 TEST_F(PresetHostileFileTest, RefusesDeepNestingAndTooManyTags)
@@ -226,7 +153,6 @@ TEST_F(PresetHostileFileTest, RefusesDeepNestingAndTooManyTags)
             text += "</a>";
         return text + "</parameter></Preset>";
     };
-    EXPECT_TRUE(Refused(nested(8000)));
     EXPECT_TRUE(Refused(nested(CPresetSerializer::kMaxTags)));
     std::string flat = "<Preset>";
     for (size_t tag = 0; tag < CPresetSerializer::kMaxTags; ++tag)
@@ -249,7 +175,6 @@ TEST_F(PresetHostileFileTest, RandomBytesAndDamageNeverBreakTheRecord)
     std::mt19937 random(4242);
     const std::string whole = kFineTuneFile;
     for (int round = 0; round < 2400; ++round) {
-        SCOPED_TRACE(round);
         std::string text = whole;
         const bool damaged = round % 6 != 0;
         for (int change = 1 + random() % 4; damaged && change > 0; --change) {
@@ -274,12 +199,12 @@ TEST_F(PresetHostileFileTest, RandomBytesAndDamageNeverBreakTheRecord)
         CEffectPreset preset = Untouched();
         if (!serializer.Load(files.Write("damaged.fxpunka", text).c_str(), &preset)) {
             EXPECT_TRUE(SameBytes(preset, Untouched()) || (damaged && preset.nCount == 0))
-                << "a refused file changes at most the names";
+                << "round " << round << ": a refused file changes at most the names";
             continue;
         }
-        EXPECT_GE(preset.nCount, 1);
-        EXPECT_LE(preset.nCount, damaged ? kPresetMaxParams : 1);
-        EXPECT_TRUE(ValidText(preset.Name) && ValidText(preset.LibraryName) && ValidText(preset.EffectName));
+        EXPECT_GE(preset.nCount, 1) << round;
+        EXPECT_LE(preset.nCount, damaged ? kPresetMaxParams : 1) << round;
+        EXPECT_TRUE(ValidText(preset.Name) && ValidText(preset.LibraryName) && ValidText(preset.EffectName)) << round;
     }
 }
 
