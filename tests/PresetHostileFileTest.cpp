@@ -8,7 +8,6 @@
 #include <boost/locale/utf.hpp>
 #include <random>
 #include <string>
-#include <vector>
 
 #include "../Common/PresetSerializer.h"
 #include "PresetTestRecords.h"
