@@ -13,16 +13,11 @@ namespace {
 
 const double kPi = 3.14159265358979323846;
 
-enum class Form { Nearest, Lerp, Newton, Weighted };
-
-// Where one output position reads along one axis.
+// Where one output position reads along one axis: samples and their weights. Linear on bytes
+// also keeps t in 14 fractional bits, as the members' fixed point does.
 struct Point {
-    Form form = Form::Nearest;
-    int64_t index = 0;   // nearest: the sample; lerp: the first of two; Newton: the base
-    int64_t next = 0;    // lerp: the second sample
-    double t = 0;
-    int64_t fixedT = 0;  // lerp on bytes: t in 14 fractional bits
-    std::vector<std::pair<int64_t, double>> taps;   // weighted: samples and weights
+    std::vector<std::pair<int64_t, double>> taps;
+    int64_t fixedT = -1;
 };
 
 int64_t Clamp(int64_t index, int64_t samples)
@@ -30,50 +25,59 @@ int64_t Clamp(int64_t index, int64_t samples)
     return std::min<int64_t>(std::max<int64_t>(index, 0), samples - 1);
 }
 
+Point Nearest(int64_t index)
+{
+    return Point{{{index, 1.0}}};
+}
+
 Point Lerp(int64_t index, int64_t next, double t)
 {
-    Point point;
-    point.form = Form::Lerp;
-    point.index = index;
-    point.next = next;
-    point.t = t;
-    point.fixedT = static_cast<int64_t>(t * 16384 + 1e-7);
-    return point;
+    return Point{{{index, 1 - t}, {next, t}}, static_cast<int64_t>(t * 16384 + 1e-7)};
+}
+
+// The cubic through the samples at base - 1 .. base + 2, read at base + t (Lagrange's weights).
+Point Polynomial(int64_t base, double t)
+{
+    return Point{{{base - 1, -t * (t - 1) * (t - 2) / 6},
+                  {base, (t + 1) * (t - 1) * (t - 2) / 2},
+                  {base + 1, -(t + 1) * t * (t - 2) / 2},
+                  {base + 2, (t + 1) * t * (t - 1) / 6}}};
 }
 
 // The members' table: L at steps of a hundredth, in single precision, then a zero.
-const std::vector<double>& LanczosTable()
+double LanczosTable(int entry)
 {
-    static const std::vector<double> table = [] {
-        std::vector<double> entries;
-        for (int j = 0; j <= 300; ++j)
-            entries.push_back(j % 100 == 0 && j != 0 ? 0.0 : static_cast<float>(Lanczos3(j / 100.0)));
-        entries.push_back(0.0);
-        return entries;
-    }();
-    return table;
+    return entry % 100 == 0 && entry != 0 ? 0.0 : entry > 300 ? 0.0 : static_cast<float>(Lanczos3(entry / 100.0));
 }
 
+// Six taps at i - 2 .. i + 3, weights interpolated in the table and normalised.
 Point Lanczos(int64_t i, double t, int64_t samples)
 {
-    const std::vector<double>& table = LanczosTable();
     Point point;
-    point.form = Form::Weighted;
     double sum = 0;
     for (int k = -2; k <= 3; ++k) {
-        const double x = k - t;
-        double weight = 0;
-        if (x > -3 && x < 3) {
-            const double at = std::fabs(x) * 100;
-            const int entry = static_cast<int>(at);
-            weight = table[entry] + (table[entry + 1] - table[entry]) * (at - entry);
-        }
+        const double at = std::fabs(k - t) * 100;
+        const int entry = static_cast<int>(at);
+        const double weight = at < 300 ? LanczosTable(entry) + (LanczosTable(entry + 1) - LanczosTable(entry)) *
+                                                                   (at - entry)
+                                       : 0.0;
         point.taps.push_back({Clamp(i + k, samples), weight});
         sum += weight;
     }
     for (auto& tap : point.taps)
         tap.second /= sum;
     return point;
+}
+
+// The kernel of pixel-area cubic, at distance x.
+double CubicKernel(double x)
+{
+    const double a = std::fabs(x);
+    if (a < 1)
+        return (a * a * a - a) / 2 + 1 - x * x;
+    if (a < 2)
+        return -a * a * a / 6 + x * x - 11 * a / 6 + 1;
+    return 0;
 }
 
 // The mode used for a small source picture: Lanczos needs 8 samples each way (pixel-area: 6),
@@ -88,74 +92,50 @@ int Reduced(int interpolation, IppiSize size, bool areas)
     return !areas && smaller < 2 ? IPPI_INTER_NN : interpolation;
 }
 
+// Corner-to-corner: apart from nearest neighbour the first and last outputs fall on the region's
+// first and last samples; cubic near an edge takes the nearest four samples inside the picture.
 std::vector<Point> CornerAxis(int interpolation, double factor, int length, int offset, int samples, int count)
 {
-    double step = 0;
-    double position = 0;
-    if (interpolation == IPPI_INTER_NN) {
-        step = 1 / factor;
-        position = step / 2;
-    } else if (length * factor > 1) {
-        step = (length - 1) / (length * factor - 1);
-    }
+    const bool nearest = interpolation == IPPI_INTER_NN;
+    const double step = nearest ? 1 / factor : length * factor > 1 ? (length - 1) / (length * factor - 1) : 0;
+    double position = nearest ? step / 2 : 0;
+    const int64_t last = samples - 1;
     std::vector<Point> points;
     for (int j = 0; j < count; ++j, position += step) {
         const int64_t i = static_cast<int64_t>(position + 1e-7);
         const int64_t at = offset + i;
-        const int64_t last = samples - 1;
-        Point point;
-        if (interpolation == IPPI_INTER_NN) {
-            point.index = std::min(at, last);
-        } else if (interpolation == IPPI_INTER_LINEAR) {
-            point = at >= last ? Lerp(last - 1, last, 1.0) : Lerp(at, at + 1, position - i);
-        } else if (interpolation == IPPI_INTER_CUBIC) {
-            point.form = Form::Newton;
-            if (at >= last) {
-                point.index = last - 2;
-                point.t = 2.0;
-            } else {
-                const int64_t shift = at == last - 1 ? -1 : at == 0 ? 1 : 0;
-                point.index = at + shift;
-                point.t = position - static_cast<double>(i + shift);
-            }
-        } else {
-            point = Lanczos(at, position - i, samples);
-        }
-        points.push_back(point);
+        const double t = position - i;
+        if (nearest)
+            points.push_back(Nearest(std::min(at, last)));
+        else if (interpolation == IPPI_INTER_LINEAR)
+            points.push_back(at >= last ? Lerp(last - 1, last, 1.0) : Lerp(at, at + 1, t));
+        else if (interpolation == IPPI_INTER_CUBIC)
+            points.push_back(at >= last ? Polynomial(last - 2, 2.0) : at == last - 1 ? Polynomial(at - 1, t + 1)
+                                                                    : at == 0 ? Polynomial(1, t - 1)
+                                                                              : Polynomial(at, t));
+        else
+            points.push_back(Lanczos(at, t, samples));
     }
     return points;
 }
 
-// The kernel of pixel-area cubic, at distance x.
-double CubicKernel(double x)
-{
-    const double a = std::fabs(x);
-    if (a < 1)
-        return (a * a * a - a) / 2 + 1 - x * x;
-    if (a < 2)
-        return -a * a * a / 6 + x * x - 11 * a / 6 + 1;
-    return 0;
-}
-
+// Pixel-area: pixel centres map to pixel centres; every tap outside the picture reads its edge.
 std::vector<Point> AreaAxis(int interpolation, double factor, double shift, int64_t first, int count, int samples)
 {
-    const double dx = 1 / factor;
-    const double off = -shift / factor;
+    const double dx = 1 / factor, off = -shift / factor;
     std::vector<Point> points;
     for (int64_t d = first; d < first + count; ++d) {
-        Point point;
         if (interpolation == IPPI_INTER_NN) {
-            point.index = Clamp(static_cast<int64_t>((d + 0.5) * dx - 1e-10 + off), samples);
-            points.push_back(point);
+            points.push_back(Nearest(Clamp(static_cast<int64_t>((d + 0.5) * dx - 1e-10 + off), samples)));
             continue;
         }
         const double p = (d + 0.5) * dx - 0.5 + off;
         const int64_t i = static_cast<int64_t>(std::floor(p));
         const double t = p - i;
+        Point point;
         if (interpolation == IPPI_INTER_LINEAR) {
             point = Lerp(Clamp(i, samples), Clamp(i + 1, samples), t);
         } else if (interpolation == IPPI_INTER_CUBIC) {
-            point.form = Form::Weighted;
             for (int k = -1; k <= 2; ++k)
                 point.taps.push_back({Clamp(i + k, samples), CubicKernel(k - t)});
         } else {
@@ -166,37 +146,16 @@ std::vector<Point> AreaAxis(int interpolation, double factor, double shift, int6
     return points;
 }
 
-double Along(const Point& point, const std::function<double(int64_t)>& sample)
-{
-    switch (point.form) {
-    case Form::Nearest: return sample(point.index);
-    case Form::Lerp: return sample(point.index) + (sample(point.next) - sample(point.index)) * point.t;
-    case Form::Newton: {
-        const double p = sample(point.index - 1), q = sample(point.index), r = sample(point.index + 1),
-                     s = sample(point.index + 2);
-        const double d1 = q - p, d2 = r - q - d1, d3 = q - 2 * r + s - d2, t = point.t;
-        return p + d1 * (1 + t) + d2 * t * (1 + t) / 2 + d3 * (t - 1) * t * (1 + t) / 6;
-    }
-    case Form::Weighted: {
-        double sum = 0;
-        for (const auto& tap : point.taps)
-            sum += sample(tap.first) * tap.second;
-        return sum;
-    }
-    }
-    return 0;
-}
-
 // Linear on bytes: a row sum with 6 fractional bits, then the column to the byte.
 double FixedLinear(const Source& src, const Point& column, const Point& row, int c)
 {
     auto rowSum = [&](int64_t y) {
-        const int64_t s0 = static_cast<int64_t>(src.sample(static_cast<int>(column.index), static_cast<int>(y), c));
-        const int64_t s1 = static_cast<int64_t>(src.sample(static_cast<int>(column.next), static_cast<int>(y), c));
+        const int64_t s0 = static_cast<int64_t>(src.sample(static_cast<int>(column.taps[0].first), static_cast<int>(y), c));
+        const int64_t s1 = static_cast<int64_t>(src.sample(static_cast<int>(column.taps[1].first), static_cast<int>(y), c));
         return ((16384 - column.fixedT) * s0 + column.fixedT * s1 + 128) >> 8;
     };
-    return static_cast<double>(((16384 - row.fixedT) * rowSum(row.index) + row.fixedT * rowSum(row.next) + 0x80000) >>
-                               20);
+    return static_cast<double>(
+        ((16384 - row.fixedT) * rowSum(row.taps[0].first) + row.fixedT * rowSum(row.taps[1].first) + 0x80000) >> 20);
 }
 
 void Evaluate(const Source& src, const std::vector<Point>& columns, const std::vector<Point>& rows, Expected& out)
@@ -208,15 +167,16 @@ void Evaluate(const Source& src, const std::vector<Point>& columns, const std::v
     for (const Point& row : rows)
         for (const Point& column : columns)
             for (int c = 0; c < src.channels; ++c) {
-                if (src.bytes && column.form == Form::Lerp) {
+                if (src.bytes && column.fixedT >= 0) {
                     out.values.push_back(FixedLinear(src, column, row, c));
                     continue;
                 }
-                out.values.push_back(Along(row, [&](int64_t y) {
-                    return Along(column, [&](int64_t x) {
-                        return src.sample(static_cast<int>(x), static_cast<int>(y), c);
-                    });
-                }));
+                double sum = 0;
+                for (const auto& down : row.taps)
+                    for (const auto& along : column.taps)
+                        sum += down.second * along.second *
+                               src.sample(static_cast<int>(along.first), static_cast<int>(down.first), c);
+                out.values.push_back(sum);
             }
 }
 
@@ -238,30 +198,22 @@ bool Span(int start, int length, double factor, double shift, int roiStart, int 
     return count > 0;
 }
 
-// The value a member stores for an exact value: bytes of cubic and Lanczos are v + 0.5000001,
-// truncated and limited; linear bytes are exact integers already.
-double Stored(double value, const Expected& expected)
-{
-    if (!expected.bytes || expected.interpolation == IPPI_INTER_NN || expected.interpolation == IPPI_INTER_LINEAR)
-        return value;
-    return std::min(255.0, std::max(0.0, std::trunc(value + 0.5000001)));
-}
-
+// Bytes of cubic and Lanczos are stored as v + 0.5000001, truncated and limited, and may round
+// the other way when the exact value lies on a half, as the members sum in single precision;
+// bytes of the other modes are exact integers already; floats agree to single precision.
 bool Close(double actual, double value, const Expected& expected)
 {
-    const double stored = Stored(value, expected);
-    if (actual == stored)
-        return true;
-    if (expected.bytes) {
-        // Single-precision passes may round the other way when the exact value lies on a half.
-        const double lifted = value + 0.5000001;
-        const bool nearHalf = std::fabs(lifted - std::round(lifted)) < 1e-3;
-        return expected.interpolation != IPPI_INTER_NN && expected.interpolation != IPPI_INTER_LINEAR && nearHalf &&
-               std::fabs(actual - stored) <= 1;
-    }
-    if (expected.interpolation == IPPI_INTER_NN)
-        return false;
-    return std::fabs(actual - value) <= 2e-6 * std::max(1.0, std::fabs(value));
+    const bool exact = expected.interpolation == IPPI_INTER_NN || expected.interpolation == IPPI_INTER_LINEAR;
+    if (!expected.bytes)
+        return exact && expected.interpolation == IPPI_INTER_NN
+                   ? actual == value
+                   : std::fabs(actual - value) <= 2e-6 * std::max(1.0, std::fabs(value));
+    if (exact)
+        return actual == value;
+    const double lifted = value + 0.5000001;
+    const double stored = std::min(255.0, std::max(0.0, std::trunc(lifted)));
+    const bool nearHalf = std::fabs(lifted - std::round(lifted)) < 1e-3;
+    return actual == stored || (nearHalf && std::fabs(actual - stored) <= 1);
 }
 
 } // namespace
