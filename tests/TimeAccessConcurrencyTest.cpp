@@ -9,7 +9,6 @@
 #include <memory>
 #include <numeric>
 #include <random>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -40,57 +39,20 @@ struct Setting {
 const Setting kSettings[] = {{pfVideoSample, false, 0.2f}, {pfVideoSampleSwappedFloat, false, 0.2f},
                              {pfVideoSample, true, 0.0f}};
 
-void Configure(InProcessHost& host, const Setting& setting)
+// Renders every frame of the clip, in order or shuffled by `seed`, and files each output under
+// its frame index.
+void RenderAll(InProcessHost& host, CDeglarer& effect, Clip& clip, unsigned int seed, Outputs& outputs)
 {
-    host.SetTestMode(setting.test);
-    host.SetMaxFrames(setting.maxFrames);
-}
-
-std::vector<int> InOrder(int count)
-{
-    std::vector<int> order(count);
+    std::vector<int> order(clip.FrameCount());
     std::iota(order.begin(), order.end(), 0);
-    return order;
-}
-
-std::vector<int> Shuffled(int count, unsigned int seed)
-{
-    std::vector<int> order = InOrder(count);
-    std::shuffle(order.begin(), order.end(), std::mt19937(seed));
-    return order;
-}
-
-// Renders the frames of `order` and files each output under its frame index.
-void RenderInOrder(InProcessHost& host, CDeglarer& effect, Clip& clip, const std::vector<int>& order,
-                   Outputs& outputs)
-{
+    if (seed != 0)
+        std::shuffle(order.begin(), order.end(), std::mt19937(seed));
     for (int index : order) {
         TestHost::Picture picture(clip.Width(), clip.Height(), clip.Format(), clip.ByteSpan());
         FrameParams destination = picture.Params();
         if (host.RenderFrame(&effect, index, &destination))
             outputs[index] = picture.Bytes();
     }
-}
-
-Outputs InOrderReference(Clip& clip, const Setting& setting)
-{
-    InProcessHost host(clip);
-    Configure(host, setting);
-    CDeglarer effect;
-    effect.SetId(FreshEffectId());
-    Outputs outputs(clip.FrameCount());
-    RenderInOrder(host, effect, clip, InOrder(clip.FrameCount()), outputs);
-    return outputs;
-}
-
-// The reference must show the effect at work, or agreeing with it would prove nothing.
-int ChangedFrames(Clip& clip, const Outputs& outputs)
-{
-    int changed = 0;
-    for (int index = 0; index < clip.FrameCount(); ++index)
-        if (outputs[index] != std::vector<uint8_t>(clip.Frame(index), clip.Frame(index) + clip.FrameBytes()))
-            ++changed;
-    return changed;
 }
 
 // Runs `work(thread)` on kThreads threads released at one moment.
@@ -110,42 +72,28 @@ void RunTogether(Work work)
         thread.join();
 }
 
-void ExpectSameOutputs(const Outputs& expected, const Outputs& actual, const std::string& what)
-{
-    ASSERT_EQ(expected.size(), actual.size());
-    for (size_t index = 0; index < expected.size(); ++index)
-        EXPECT_TRUE(actual[index] == expected[index]) << what << ", frame " << index;
-}
-
-TEST(TimeAccessConcurrency, ShuffledOrderGivesTheInOrderPictures)
-{
-    for (const Setting& setting : kSettings) {
-        Clip clip = TimeAccessOutcome::EventfulClip(setting.format);
-        const Outputs expected = InOrderReference(clip, setting);
-        ASSERT_GE(ChangedFrames(clip, expected), 4);
-        for (unsigned int seed : {1u, 2u, 3u}) {
-            InProcessHost host(clip);
-            Configure(host, setting);
-            CDeglarer effect;
-            effect.SetId(FreshEffectId());
-            Outputs outputs(clip.FrameCount());
-            RenderInOrder(host, effect, clip, Shuffled(clip.FrameCount(), seed), outputs);
-            ExpectSameOutputs(expected, outputs, "seed " + std::to_string(seed));
-            EXPECT_EQ(host.Leaks(), "");
-        }
-    }
-}
-
-// All threads on one effect object, or each on an object of its own that shares the id.
+// All threads on one effect object, or each on an object of its own that shares the id, each
+// in an order of its own: every output is the one rendering in order on one thread gives.
 TEST(TimeAccessConcurrency, ThreadsOnOneObjectOrObjectsSharingAnIdGiveTheInOrderPictures)
 {
     for (bool sharedObject : {true, false})
         for (const Setting& setting : kSettings) {
             Clip clip = TimeAccessOutcome::EventfulClip(setting.format);
-            const Outputs expected = InOrderReference(clip, setting);
-            ASSERT_GE(ChangedFrames(clip, expected), 4);
             InProcessHost host(clip);
-            Configure(host, setting);
+            host.SetTestMode(setting.test);
+            host.SetMaxFrames(setting.maxFrames);
+            Outputs expected(clip.FrameCount());
+            {
+                CDeglarer effect;
+                effect.SetId(FreshEffectId());
+                RenderAll(host, effect, clip, 0, expected);
+            }
+            // The reference must show the effect at work, or agreeing with it would prove nothing.
+            int changed = 0;
+            for (int index = 0; index < clip.FrameCount(); ++index)
+                changed += expected[index] != std::vector<uint8_t>(clip.Frame(index), clip.Frame(index) + clip.FrameBytes());
+            ASSERT_GE(changed, 4);
+
             const unsigned int id = FreshEffectId();
             std::vector<std::unique_ptr<CDeglarer>> effects;
             for (int t = 0; t < (sharedObject ? 1 : kThreads); ++t) {
@@ -153,13 +101,12 @@ TEST(TimeAccessConcurrency, ThreadsOnOneObjectOrObjectsSharingAnIdGiveTheInOrder
                 effects.back()->SetId(id);
             }
             std::vector<Outputs> outputs(kThreads, Outputs(clip.FrameCount()));
-            RunTogether([&](int t) {
-                CDeglarer& effect = *effects[sharedObject ? 0 : t];
-                RenderInOrder(host, effect, clip, Shuffled(clip.FrameCount(), 100 + t), outputs[t]);
-            });
-            const std::string what = sharedObject ? "one object" : "objects sharing an id";
+            RunTogether([&](int t) { RenderAll(host, *effects[sharedObject ? 0 : t], clip, 100 + t, outputs[t]); });
             for (int t = 0; t < kThreads; ++t)
-                ExpectSameOutputs(expected, outputs[t], what + ", thread " + std::to_string(t));
+                for (int index = 0; index < clip.FrameCount(); ++index)
+                    EXPECT_TRUE(outputs[t][index] == expected[index])
+                        << (sharedObject ? "one object" : "objects sharing an id") << ", thread " << t << ", frame "
+                        << index;
             EXPECT_EQ(host.ReleaseCount(), host.FetchCount());
             EXPECT_EQ(host.Leaks(), "");
         }
@@ -172,15 +119,18 @@ TEST(TimeAccessConcurrency, ObjectsSharingAnIdAgreeOnTheFirstStoredRecord)
     Clip clip(16, 16, pfVideoSample, kThreads, 25.0);
     for (int t = 0; t < kThreads; ++t)
         clip.Fill(t, 0.1f * (t + 1), 0.1f * (t + 1), 0.1f * (t + 1));
+    struct ClipFrame {
+        FrameParams params;
+        CFrame frame;
+        ClipFrame(Clip& clip, int index) : params(clip.Params(index)) { frame.Init(&params); }
+    };
     const unsigned int id = FreshEffectId();
     std::vector<Intensities> seen(kThreads);
     RunTogether([&](int t) {
         CDeglarer effect;
         effect.SetId(id);
-        FrameParams params = clip.Params(t);
-        CFrame frame;
-        frame.Init(&params);
-        seen[t] = effect.GetAverageIntensity(5, frame);
+        ClipFrame own(clip, t);
+        seen[t] = effect.GetAverageIntensity(5, own.frame);
     });
     CDeglarer later;
     later.SetId(id);
@@ -189,10 +139,8 @@ TEST(TimeAccessConcurrency, ObjectsSharingAnIdAgreeOnTheFirstStoredRecord)
     bool fromOnePicture = false;
     for (int t = 0; t < kThreads; ++t) {
         EXPECT_EQ(std::memcmp(&seen[t], &stored, sizeof stored), 0) << "thread " << t;
-        FrameParams params = clip.Params(t);
-        CFrame frame;
-        frame.Init(&params);
-        const Intensities own = MeasureFrameIntensities(frame);
+        ClipFrame picture(clip, t);
+        const Intensities own = MeasureFrameIntensities(picture.frame);
         fromOnePicture = fromOnePicture || std::memcmp(&own, &stored, sizeof stored) == 0;
     }
     EXPECT_TRUE(fromOnePicture);
