@@ -15,17 +15,11 @@
 
 namespace {
 
-uint32_t Bits(float value)
-{
-    uint32_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
-
+// The four figures bit for bit.
 ::testing::AssertionResult SameFigures(const Intensities& expected, const Intensities& actual)
 {
     for (int band = 0; band < kIntensityBands; ++band)
-        if (Bits(expected.fBand[band]) != Bits(actual.fBand[band]))
+        if (std::memcmp(&expected.fBand[band], &actual.fBand[band], sizeof(float)) != 0)
             return ::testing::AssertionFailure()
                    << "band " << band << ": expected " << expected.fBand[band] << " got " << actual.fBand[band];
     return ::testing::AssertionSuccess();
@@ -102,110 +96,86 @@ std::vector<Shape> Shapes(std::mt19937& random)
     return shapes;
 }
 
-template <class Pixel, class Measure, class Reference>
-void CheckEveryVariant(Measure measure, Reference reference, const std::vector<Fill>& fills)
+// The measuring loop of the pixel type, with the given kernels or as the reference defines it.
+template <class Pixel>
+Intensities Measured(const Pixel* pixels, int span, int width, int height, const LuminanceRowKernels* kernels)
+{
+    if constexpr (sizeof(Pixel) == 4)
+        return kernels ? getAverageIntensity8u(pixels, span, width, height, *kernels)
+                       : IntensityReference::getAverageIntensity8u(pixels, span, width, height);
+    else
+        return kernels ? getAverageIntensity32f(pixels, span, width, height, *kernels)
+                       : IntensityReference::getAverageIntensity32f(pixels, span, width, height);
+}
+
+template <class Pixel>
+void CheckEveryVariant(const std::vector<Fill>& fills)
 {
     std::mt19937 random(20240611);
     for (const Shape& shape : Shapes(random))
         for (Fill fill : fills) {
             Picture<Pixel> picture(shape.width, shape.height, shape.span);
             FillPicture(picture, fill, random);
-            const Intensities expected = reference(picture.pixels.data(), shape.span, shape.width, shape.height);
+            const Pixel* pixels = picture.pixels.data();
+            const Intensities expected = Measured(pixels, shape.span, shape.width, shape.height, nullptr);
             for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels())
-                EXPECT_TRUE(SameFigures(expected, measure(picture.pixels.data(), shape.span, shape.width,
-                                                          shape.height, *kernels)))
+                EXPECT_TRUE(SameFigures(expected, Measured(pixels, shape.span, shape.width, shape.height, kernels)))
                     << kernels->name << " " << shape.width << "x" << shape.height << " span " << shape.span
                     << " fill " << static_cast<int>(fill);
         }
 }
 
-const std::vector<Fill> kByteFills = {Fill::kRandom, Fill::kBlack, Fill::kWhite, Fill::kAlternatingPixels,
-                                      Fill::kAlternatingRows};
-const std::vector<Fill> kFloatFills = {Fill::kRandom, Fill::kRandomOutOfRange, Fill::kBlack, Fill::kWhite,
-                                       Fill::kAlternatingPixels};
-
 TEST(IntensityMeasure, EveryVariantGivesTheFiguresOfThePerPixelLoop)
 {
-    CheckEveryVariant<VideoSample>(
-        [](const VideoSample* p, int s, int w, int h, const LuminanceRowKernels& k) {
-            return getAverageIntensity8u(p, s, w, h, k);
-        },
-        [](const VideoSample* p, int s, int w, int h) { return IntensityReference::getAverageIntensity8u(p, s, w, h); },
-        kByteFills);
-    CheckEveryVariant<VideoSampleSwapped>(
-        [](const VideoSampleSwapped* p, int s, int w, int h, const LuminanceRowKernels& k) {
-            return getAverageIntensity8u(p, s, w, h, k);
-        },
-        [](const VideoSampleSwapped* p, int s, int w, int h) {
-            return IntensityReference::getAverageIntensity8u(p, s, w, h);
-        },
-        kByteFills);
-    CheckEveryVariant<VideoSampleFloat>(
-        [](const VideoSampleFloat* p, int s, int w, int h, const LuminanceRowKernels& k) {
-            return getAverageIntensity32f(p, s, w, h, k);
-        },
-        [](const VideoSampleFloat* p, int s, int w, int h) {
-            return IntensityReference::getAverageIntensity32f(p, s, w, h);
-        },
-        kFloatFills);
-    CheckEveryVariant<VideoSampleSwappedFloat>(
-        [](const VideoSampleSwappedFloat* p, int s, int w, int h, const LuminanceRowKernels& k) {
-            return getAverageIntensity32f(p, s, w, h, k);
-        },
-        [](const VideoSampleSwappedFloat* p, int s, int w, int h) {
-            return IntensityReference::getAverageIntensity32f(p, s, w, h);
-        },
-        kFloatFills);
+    const std::vector<Fill> bytes = {Fill::kRandom, Fill::kBlack, Fill::kWhite, Fill::kAlternatingPixels,
+                                     Fill::kAlternatingRows};
+    const std::vector<Fill> floats = {Fill::kRandom, Fill::kRandomOutOfRange, Fill::kWhite, Fill::kAlternatingPixels};
+    CheckEveryVariant<VideoSample>(bytes);
+    CheckEveryVariant<VideoSampleSwapped>(bytes);
+    CheckEveryVariant<VideoSampleFloat>(floats);
+    CheckEveryVariant<VideoSampleSwappedFloat>(floats);
 }
 
-TEST(IntensityMeasure, EightBitRowSumsAreExactInEveryVariant)
-{
-    std::mt19937 random(7);
-    for (int width = 1; width < 200; ++width) {
-        Picture<VideoSample> picture(width, 1, width);
-        Picture<VideoSampleSwapped> swapped(width, 1, width);
-        FillPicture(picture, Fill::kRandom, random);
-        uint64_t expected = 0;
-        for (int x = 0; x < width; ++x) {
-            const VideoSample& p = picture.At(x, 0);
-            expected += (76u * p.r + 149u * p.g + 30u * p.b) >> 8;
-            swapped.At(x, 0) = VideoSampleSwapped{p.a, p.r, p.g, p.b};
-        }
-        for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels()) {
-            EXPECT_EQ(kernels->sum8u(picture.pixels.data(), width), expected) << kernels->name << " " << width;
-            EXPECT_EQ(kernels->sum8uSwapped(swapped.pixels.data(), width), expected) << kernels->name << " " << width;
-        }
-    }
-    // White weighs 254, not 255.
-    VideoSample white = {255, 255, 255, 255};
-    EXPECT_EQ(kLuminanceRowsPlain.sum8u(&white, 1), 254u);
-}
-
-TEST(IntensityMeasure, NoVariantReadsPastThePicture)
+// The pictures end right at a page that faults when read; the swapped formats give the plain
+// figures of the same pixels.
+TEST(IntensityMeasure, NoVariantReadsPastThePictureAndSwappedFormatsGiveThePlainFigures)
 {
     for (int width = 1; width <= 40; ++width)
         for (int height = 4; height <= 6; ++height) {
-            const size_t byteCount = static_cast<size_t>(width) * height;
-            // The pictures end right at a page that faults when read.
-            GuardedBlock bytes(byteCount * 4, GuardedBlock::Guard::AfterEnd);
-            GuardedBlock floats(byteCount * 16, GuardedBlock::Guard::AfterEnd);
-            uint8_t* bytePixels = bytes.Data();
-            uint8_t* floatPixels = floats.Data();
-            std::memset(bytePixels, 0x80, byteCount * 4);
-            std::memset(floatPixels, 0, byteCount * 16);
+            const size_t count = static_cast<size_t>(width) * height;
+            GuardedBlock bytes(count * 4, GuardedBlock::Guard::AfterEnd);
+            GuardedBlock floats(count * 16, GuardedBlock::Guard::AfterEnd);
+            std::memset(bytes.Data(), 0x80, count * 4);
+            std::memset(floats.Data(), 0, count * 16);
             for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels()) {
                 const Intensities plain =
-                    getAverageIntensity8u(reinterpret_cast<VideoSample*>(bytePixels), width, width, height, *kernels);
-                const Intensities swapped = getAverageIntensity8u(reinterpret_cast<VideoSampleSwapped*>(bytePixels),
-                                                                  width, width, height, *kernels);
-                EXPECT_TRUE(SameFigures(plain, swapped));
+                    Measured(reinterpret_cast<VideoSample*>(bytes.Data()), width, width, height, kernels);
+                EXPECT_TRUE(SameFigures(
+                    plain, Measured(reinterpret_cast<VideoSampleSwapped*>(bytes.Data()), width, width, height, kernels)));
                 EXPECT_GT(plain.fBand[0], 0.0f);
-                getAverageIntensity32f(reinterpret_cast<VideoSampleFloat*>(floatPixels), width, width, height,
-                                       *kernels);
-                getAverageIntensity32f(reinterpret_cast<VideoSampleSwappedFloat*>(floatPixels), width, width, height,
-                                       *kernels);
+                Measured(reinterpret_cast<VideoSampleFloat*>(floats.Data()), width, width, height, kernels);
+                Measured(reinterpret_cast<VideoSampleSwappedFloat*>(floats.Data()), width, width, height, kernels);
             }
         }
+
+    std::mt19937 random(99);
+    const int width = 45, height = 22;
+    Picture<VideoSample> plain(width, height, width);
+    Picture<VideoSampleSwapped> swapped(width, height, width);
+    Picture<VideoSampleFloat> plainFloat(width, height, width);
+    Picture<VideoSampleSwappedFloat> swappedFloat(width, height, width);
+    FillPicture(plain, Fill::kRandom, random);
+    FillPicture(plainFloat, Fill::kRandom, random);
+    for (size_t i = 0; i < plain.pixels.size(); ++i) {
+        const VideoSample& p = plain.pixels[i];
+        swapped.pixels[i] = VideoSampleSwapped{p.a, p.r, p.g, p.b};
+        const VideoSampleFloat& f = plainFloat.pixels[i];
+        swappedFloat.pixels[i] = VideoSampleSwappedFloat{f.a, f.r, f.g, f.b};
+    }
+    EXPECT_TRUE(SameFigures(getAverageIntensity8u(plain.pixels.data(), width, width, height),
+                            getAverageIntensity8u(swapped.pixels.data(), width, width, height)));
+    EXPECT_TRUE(SameFigures(getAverageIntensity32f(plainFloat.pixels.data(), width, width, height),
+                            getAverageIntensity32f(swappedFloat.pixels.data(), width, width, height)));
 }
 
 // A frame over a picture of one grey level, or bright in some rows and black in the rest.
@@ -253,37 +223,14 @@ TEST(IntensityMeasure, FramesGiveTheirBandFigures)
         }
 }
 
-TEST(IntensityMeasure, SwappedFormatsGiveThePlainFigures)
-{
-    std::mt19937 random(99);
-    const int width = 45, height = 22;
-    Picture<VideoSample> plain(width, height, width);
-    Picture<VideoSampleSwapped> swapped(width, height, width);
-    Picture<VideoSampleFloat> plainFloat(width, height, width);
-    Picture<VideoSampleSwappedFloat> swappedFloat(width, height, width);
-    FillPicture(plain, Fill::kRandom, random);
-    FillPicture(plainFloat, Fill::kRandom, random);
-    for (size_t i = 0; i < plain.pixels.size(); ++i) {
-        const VideoSample& p = plain.pixels[i];
-        swapped.pixels[i] = VideoSampleSwapped{p.a, p.r, p.g, p.b};
-        const VideoSampleFloat& f = plainFloat.pixels[i];
-        swappedFloat.pixels[i] = VideoSampleSwappedFloat{f.a, f.r, f.g, f.b};
-    }
-    EXPECT_TRUE(SameFigures(getAverageIntensity8u(plain.pixels.data(), width, width, height),
-                            getAverageIntensity8u(swapped.pixels.data(), width, width, height)));
-    EXPECT_TRUE(SameFigures(getAverageIntensity32f(plainFloat.pixels.data(), width, width, height),
-                            getAverageIntensity32f(swappedFloat.pixels.data(), width, width, height)));
-}
-
 TEST(IntensityMeasure, UnmeasurableInputGivesZerosWithoutReading)
 {
     VideoSample pixel = {200, 200, 200, 200};
     const Intensities zero = Intensities::Zero();
     // Fewer than 4 rows, no width, a span shorter than a row, no pixels.
-    EXPECT_TRUE(SameFigures(zero, getAverageIntensity8u(&pixel, 1, 1, 3)));
-    EXPECT_TRUE(SameFigures(zero, getAverageIntensity8u(&pixel, 1, 0, 4)));
-    EXPECT_TRUE(SameFigures(zero, getAverageIntensity8u(&pixel, 1, -3, 4)));
-    EXPECT_TRUE(SameFigures(zero, getAverageIntensity8u(&pixel, 0, 1, 4)));
+    const int shapes[][3] = {{1, 1, 3}, {1, 0, 4}, {1, -3, 4}, {0, 1, 4}};   // span, width, height
+    for (const auto& s : shapes)
+        EXPECT_TRUE(SameFigures(zero, getAverageIntensity8u(&pixel, s[0], s[1], s[2]))) << s[0] << " " << s[1];
     EXPECT_TRUE(SameFigures(zero, getAverageIntensity8u(static_cast<VideoSample*>(nullptr), 8, 8, 8)));
     EXPECT_TRUE(SameFigures(zero, getAverageIntensity32f(static_cast<VideoSampleFloat*>(nullptr), 8, 8, 8)));
 
