@@ -2,14 +2,16 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "../DeglarerPro/Deglarer.h"
-#include "../DeglarerPro/DeglarerPro.h"
 #include "../DeglarerPro/Version.h"
 #include "../host/Clip.h"
 #include "../host/InProcessHost.h"
 #include "../include/InterfaceIds.h"
 
+// The effect object as the host's dialog and presets see it. Its slots, the library object and
+// rendering through the module are the module tests' part.
 namespace {
 
 uint32_t FloatBits(float value)
@@ -19,20 +21,22 @@ uint32_t FloatBits(float value)
     return bits;
 }
 
-TEST(Effect, DescribesItsThreeParameters)
+TEST(Effect, DescribesItsThreeParametersWithTheirToolTips)
 {
     CDeglarer effect;
+    EXPECT_STREQ(effect.GetName(), "Deglarer Pro");
+    EXPECT_EQ(effect.GetCaps(), 993u);
     struct Expected {
         const char* name;
         uint32_t type;
         float min, max;
         uint32_t defaultBits;
-        uint32_t layout1;
+        const char* toolTip;
     };
     const Expected expected[] = {
-        {"Sensitivity", 2, 0.0f, 100.0f, FloatBits(0.7f), 0},
-        {"Max Frames", 2, 1.0f, 10.0f, FloatBits(0.2f), 66},
-        {"Test mode", 4, 0.0f, 0.0f, 0, 132},
+        {"Sensitivity", 2, 0.0f, 100.0f, FloatBits(0.7f), "Control how sensitive flash detection is"},
+        {"Max Frames", 2, 1.0f, 10.0f, FloatBits(0.2f), "Limit how many consecutive frames will be compensated for"},
+        {"Test mode", 4, 0.0f, 0.0f, 0, "Shows what frames have been detected as flash"},
     };
     for (unsigned int index = 0; index < 3; ++index) {
         EffectParamSetup setup;
@@ -45,12 +49,11 @@ TEST(Effect, DescribesItsThreeParameters)
         uint32_t defaultBits;
         std::memcpy(&defaultBits, setup.defaultValue.bytes, 4);
         EXPECT_EQ(defaultBits, expected[index].defaultBits);
-        EXPECT_EQ(setup.dwRangeWord, 0u);
-        EXPECT_EQ(setup.dwLayout1, expected[index].layout1);
-        EXPECT_EQ(setup.dwLayout2, 0u);
-        EXPECT_EQ(setup.dwLayout3, 198u);
-        EXPECT_EQ(setup.dwLayout4, 30u);
-        EXPECT_TRUE(setup.bFlag);
+        // Range word 0; layout words 66 apart, then 0, 198 and 30; the flag set.
+        EXPECT_EQ(std::vector<uint32_t>({setup.dwRangeWord, setup.dwLayout1, setup.dwLayout2, setup.dwLayout3,
+                                         setup.dwLayout4, setup.bFlag}),
+                  std::vector<uint32_t>({0, 66 * index, 0, 198, 30, 1}));
+        EXPECT_STREQ(effect.EnumToolTip(index), expected[index].toolTip);
     }
     EffectParamSetup untouched;
     std::memset(&untouched, 0x5A, sizeof untouched);
@@ -58,6 +61,7 @@ TEST(Effect, DescribesItsThreeParameters)
     EXPECT_FALSE(effect.EnumParam(3, &setup));
     EXPECT_EQ(0, std::memcmp(&setup, &untouched, sizeof setup));
     EXPECT_FALSE(effect.EnumParam(0, nullptr));
+    EXPECT_EQ(effect.EnumToolTip(3), nullptr);
 }
 
 TEST(Effect, StockPresetsCarryTheirExactBits)
@@ -78,11 +82,11 @@ TEST(Effect, StockPresetsCarryTheirExactBits)
         EXPECT_STREQ(effect.EnumPreset(preset), expected[preset].name);
         EffectParam values[3];
         std::memset(values, 0xFF, sizeof values);
-        for (unsigned int param = 0; param < 3; ++param)
-            ASSERT_TRUE(effect.EnumPresetData(preset, param, &values[param]));
         uint64_t words[3];
-        for (int param = 0; param < 3; ++param)
+        for (unsigned int param = 0; param < 3; ++param) {
+            ASSERT_TRUE(effect.EnumPresetData(preset, param, &values[param]));
             std::memcpy(&words[param], values[param].value.bytes, 8);
+        }
         EXPECT_EQ(words[0], expected[preset].sensitivity) << preset;
         EXPECT_EQ(words[1], expected[preset].maxFrames) << preset;
         EXPECT_EQ(words[2], expected[preset].testMode ? 1u : 0u) << preset;
@@ -97,23 +101,10 @@ TEST(Effect, StockPresetsCarryTheirExactBits)
     EXPECT_EQ(value.dwType, 0x11111111u);
 }
 
-TEST(Effect, ToolTipsNameAndIdentity)
-{
-    CDeglarer effect;
-    EXPECT_STREQ(effect.GetName(), "Deglarer Pro");
-    EXPECT_EQ(effect.GetCaps(), 993u);
-    EXPECT_STREQ(effect.EnumToolTip(0), "Control how sensitive flash detection is");
-    EXPECT_STREQ(effect.EnumToolTip(1), "Limit how many consecutive frames will be compensated for");
-    EXPECT_STREQ(effect.EnumToolTip(2), "Shows what frames have been detected as flash");
-    EXPECT_EQ(effect.EnumToolTip(3), nullptr);
-    EXPECT_EQ(effect.GetId(), 0xFFFFFFFFu);
-    effect.SetId(42);
-    EXPECT_EQ(effect.GetId(), 42u);
-}
-
-TEST(Effect, SubObjectsShareOneReferenceCount)
+TEST(Effect, SubObjectsShareOneReferenceCountAndTheId)
 {
     IVideoEffect* effect = new CDeglarer();
+    EXPECT_EQ(static_cast<CDeglarer*>(effect)->GetId(), 0xFFFFFFFFu);
     IParamToolTip* toolTips = nullptr;
     ASSERT_EQ(effect->QueryInterface(IID_ParamToolTip, reinterpret_cast<void**>(&toolTips)), S_OK);
     EXPECT_EQ(effect->AddRef(), 3u);
@@ -121,15 +112,12 @@ TEST(Effect, SubObjectsShareOneReferenceCount)
     IEffectUniqueId* id = nullptr;
     ASSERT_EQ(toolTips->QueryInterface(IID_EffectUniqueId, reinterpret_cast<void**>(&id)), S_OK);
     id->SetId(9);
-    EXPECT_EQ(effect->QueryInterface(IID_VideoEffect, reinterpret_cast<void**>(&toolTips)), S_OK);
-    EXPECT_EQ(static_cast<void*>(toolTips), static_cast<void*>(effect));
     EXPECT_EQ(static_cast<CDeglarer*>(effect)->GetId(), 9u);
     void* none = effect;
     EXPECT_EQ(effect->QueryInterface(IID_FrameProcessor, &none), E_NOINTERFACE);
     EXPECT_EQ(none, nullptr);
     EXPECT_EQ(effect->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
-    EXPECT_EQ(id->Release(), 3u);
-    EXPECT_EQ(effect->Release(), 2u);
+    EXPECT_EQ(id->Release(), 2u);
     EXPECT_EQ(effect->Release(), 1u);
     EXPECT_EQ(effect->Release(), 0u);
 }
@@ -140,70 +128,21 @@ TEST(Effect, RenderRefusesMissingArgumentsWithoutTouchingAnything)
     clip.Fill(0, 0.5f, 0.5f, 0.5f);
     TestHost::InProcessHost host(clip);
     CDeglarer effect;
-    FrameParams source = clip.Params(0);
     TestHost::Picture output(4, 2, pfVideoSample);
-    FrameParams destination = output.Params();
     RenderInfo info = host.MakeRenderInfo(0);
-    FrameParams noBuffer = destination;
-    noBuffer.pBuffer = nullptr;
-
-    EXPECT_FALSE(effect.Render(nullptr, &source, nullptr, &destination, &info));
-    EXPECT_FALSE(effect.Render(&host, nullptr, nullptr, &destination, &info));
-    EXPECT_FALSE(effect.Render(&host, &source, nullptr, nullptr, &info));
-    EXPECT_FALSE(effect.Render(&host, &source, nullptr, &noBuffer, &info));
-    EXPECT_FALSE(effect.Render(&host, &source, nullptr, &destination, nullptr));
-    FrameParams noSource = source;
-    noSource.pBuffer = nullptr;
-    EXPECT_FALSE(effect.Render(&host, &noSource, nullptr, &destination, &info));
+    for (int missing = 0; missing < 6; ++missing) {
+        FrameParams source = clip.Params(0), destination = output.Params();
+        if (missing == 4)
+            source.pBuffer = nullptr;
+        if (missing == 5)
+            destination.pBuffer = nullptr;
+        EXPECT_FALSE(effect.Render(missing == 0 ? nullptr : &host, missing == 1 ? nullptr : &source, nullptr,
+                                   missing == 2 ? nullptr : &destination, missing == 3 ? nullptr : &info))
+            << missing;
+    }
     EXPECT_EQ(output.Bytes(), std::vector<uint8_t>(output.Bytes().size(), 0));
     EXPECT_EQ(host.ParamReads(), 0u);
     EXPECT_EQ(host.FetchCount(), 0u);
-}
-
-TEST(Effect, BothRenderPathsDeliverTheSourceOfAQuietClip)
-{
-    for (bool timeAccess : {true, false}) {
-        TestHost::Clip clip(6, 3, pfVideoSampleFloat, 3, 25.0, 6 * 16 + 32);
-        for (int index = 0; index < 3; ++index)
-            clip.Fill(index, 0.3f, 0.4f, 0.5f);
-        TestHost::InProcessHost::Options options;
-        options.timeAccess = timeAccess;
-        TestHost::InProcessHost host(clip, options);
-        CDeglarer effect;
-        TestHost::Picture output(6, 3, pfVideoSampleFloat);
-        FrameParams destination = output.Params();
-        ASSERT_TRUE(host.RenderFrame(&effect, 1, &destination));
-        EXPECT_TRUE(output.SameAs(clip, 1)) << (timeAccess ? "time access" : "sequential");
-        EXPECT_EQ(host.Leaks(), "");
-    }
-}
-
-TEST(Library, CountsLiveObjectsAndMakesOneEffect)
-{
-    const int32_t before = DLLDependentObject::m_nInstanceCount.load();
-    IEffectLibrary* first = new CDeglarerPro();
-    IEffectLibrary* second = new CDeglarerPro();
-    EXPECT_EQ(DLLDependentObject::m_nInstanceCount.load(), before + 2);
-    EXPECT_STREQ(first->GetName(), "Tessarel Deglarer Pro");
-    EXPECT_EQ(first->CreateEffect(1), nullptr);
-    IVideoEffect* effect = first->CreateEffect(0);
-    ASSERT_NE(effect, nullptr);
-    EXPECT_EQ(effect->Release(), 0u);
-
-    void* same = nullptr;
-    ASSERT_EQ(first->QueryInterface(IID_EffectLibrary, &same), S_OK);
-    EXPECT_EQ(same, first);
-    void* unknown = nullptr;
-    ASSERT_EQ(first->QueryInterface(IID_IUnknown, &unknown), S_OK);
-    EXPECT_EQ(unknown, first);
-    void* translator = first;
-    EXPECT_EQ(first->QueryInterface(IID_IMultiLingual, &translator), E_NOINTERFACE);
-    EXPECT_EQ(translator, nullptr);
-    EXPECT_EQ(first->Release(), 2u);
-    EXPECT_EQ(first->Release(), 1u);
-    EXPECT_EQ(first->Release(), 0u);
-    EXPECT_EQ(second->Release(), 0u);
-    EXPECT_EQ(DLLDependentObject::m_nInstanceCount.load(), before);
 }
 
 TEST(Version, BuildNumberFromCompileDate)
@@ -215,8 +154,6 @@ TEST(Version, BuildNumberFromCompileDate)
     EXPECT_EQ(g_VersionInf.nVersion, 3);
     EXPECT_EQ(g_VersionInf.nRevision, 0);
     EXPECT_EQ(g_VersionInf.nBuild, g_TSGetCurrentBuildNumber(__DATE__));
-    const char* copyRight = g_VersionInf.pCopyRight;   // read by value: the record is packed
-    ASSERT_NE(copyRight, nullptr);
 }
 
 } // namespace
