@@ -6,6 +6,8 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "../Common/PresetSaver.h"
 #include "../Common/PresetSerializer.h"
@@ -82,18 +84,14 @@ protected:
 
 TEST_F(PresetSaverTest, NamesTheFileTypeAfterLibraryAndEffect)
 {
-    struct Case {
-        const char* library;
-        unsigned int effect;
-        const char* extension;
-    };
-    const Case cases[] = {{kLibraryName, 0, "fxpunka"}, {kLibraryName, 25, "fxpunkz"}, {kLibraryName, 26, "prs"},
-                          {kLibraryName, UINT_MAX, "prs"}, {"", 2, "fxpunkc"}, {nullptr, 0, "prs"}};
-    for (const Case& c : cases) {
+    const std::tuple<const char*, unsigned int, const char*> cases[] = {
+        {kLibraryName, 0, "fxpunka"}, {kLibraryName, 25, "fxpunkz"}, {kLibraryName, 26, "prs"},
+        {kLibraryName, UINT_MAX, "prs"}, {"", 2, "fxpunkc"}, {nullptr, 0, "prs"}};
+    for (const auto& [name, effect, extension] : cases) {
         char out[CPresetSaver::kExtensionBufferSize + 8];
         std::memset(out, '#', sizeof out);
-        CPresetSaver::GetEffectExtension(c.library, c.effect, out);
-        EXPECT_STREQ(out, c.extension) << c.effect;
+        CPresetSaver::GetEffectExtension(name, effect, out);
+        EXPECT_STREQ(out, extension) << effect;
         EXPECT_EQ(std::string(out + CPresetSaver::kExtensionBufferSize, 8), "########");
     }
     CPresetSaver::GetEffectExtension(kLibraryName, 0, nullptr);
@@ -135,7 +133,6 @@ TEST_F(PresetSaverTest, SavesUnderTheLibraryAndEffectNamesAndLoadsItBack)
         EXPECT_EQ(ui.Panels()[panel].extension, "fxpunka");
         EXPECT_EQ(ui.Panels()[panel].directory, Platform::HomeDirectory());
     }
-    EXPECT_FALSE(Platform::HomeDirectory().empty());
     EXPECT_EQ(ui.Panels()[0].defaultName, "MyPreset.fxpunka");
 }
 
@@ -180,11 +177,8 @@ TEST_F(PresetSaverTest, LoadShowsWhyAFileWasRefused)
                "</Preset>";
     };
     const std::string f = "<parameter type=\"2\" value=\"0.5\"/>", b = "<parameter type=\"4\" value=\"1\"/>";
-    struct Case {
-        std::string file;   // empty: no file at the path
-        const char* text;   // null: loaded
-    };
-    const Case cases[] = {
+    // The file (none when empty) and the alert's text (null: loaded).
+    const std::pair<std::string, const char*> cases[] = {
         {"", kLoadFailedText},
         {"garbage", kLoadFailedText},
         {fileWith(kLibraryName, kEffectName, ""), kLoadFailedText},
@@ -194,17 +188,15 @@ TEST_F(PresetSaverTest, LoadShowsWhyAFileWasRefused)
         {fileWith(kLibraryName, kEffectName, f), kMismatchText},
         {fileWith(kLibraryName, kEffectName, f + f + b + f), nullptr},   // more than the effect has are taken
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.file);
+    for (const auto& [file, text] : cases) {
+        SCOPED_TRACE(file);
         CEffectPreset preset = Untouched();
-        const std::string path = c.file.empty() ? files.Path("gone.fxpunka") : files.Write("refused.fxpunka", c.file);
-        EXPECT_EQ(Load(&preset, path), c.text != nullptr ? 1 : 0);
-        if (c.text != nullptr)
-            ExpectOneAlert(kLoadFailedTitle, c.text);
+        EXPECT_EQ(Load(&preset, file.empty() ? files.Path("gone.fxpunka") : files.Write("p.fxpunka", file)), !!text);
+        if (text != nullptr)
+            ExpectOneAlert(kLoadFailedTitle, text);
         else
             EXPECT_TRUE(ui.Alerts().empty());
-        // Only a file that parsed changes the record.
-        EXPECT_EQ(SameBytes(preset, Untouched()), c.file.size() < 10);
+        EXPECT_EQ(SameBytes(preset, Untouched()), file.size() < 10) << "only a file that parsed changes the record";
     }
 }
 
@@ -243,43 +235,31 @@ TEST_F(PresetSaverTest, ValidatesNamesAndTheTypesOfTheEffectsOwnParameters)
     }
 }
 
-// A library that misbehaves as a host's plug-ins might: an effect with no end of parameters,
-// names that are null, calls that throw. It counts the effects alive; an effect goes with the one
-// reference it is made with.
-class OddLibrary : public IEffectLibrary {
+// A library that misbehaves as a host's plug-ins might, and is its own one effect: no end of
+// parameters, null names, names that throw. It counts the effects handed out and not released.
+class OddLibrary : public IEffectLibrary, public IVideoEffect {
 public:
     enum Behaviour { kEndlessParameters, kNullNames, kThrows };
     explicit OddLibrary(Behaviour behaviour) : m_behaviour(behaviour) {}
-
-    struct Effect : IVideoEffect {
-        explicit Effect(OddLibrary* owner) : m_owner(owner) { ++m_owner->m_liveEffects; }
-        ~Effect() override { --m_owner->m_liveEffects; }
-        HRESULT QueryInterface(const _GUID&, void**) override { return E_NOINTERFACE; }
-        ULONG AddRef() override { return 2; }
-        ULONG Release() override { return delete this, 0; }
-        const char* GetName() override
-        {
-            if (m_owner->m_behaviour == kThrows)
-                throw std::runtime_error("no name");
-            return m_owner->m_behaviour == kNullNames ? nullptr : "Odd";
-        }
-        unsigned int GetCaps() override { return 0; }
-        bool EnumParam(unsigned int, EffectParamSetup* setup) override { return (setup->dwType = eptFloat), true; }
-        bool Render(IVideoHost*, FrameParams*, FrameParams*, FrameParams*, RenderInfo*) override { return false; }
-        const char* EnumPreset(unsigned int) override { return nullptr; }
-        bool EnumPresetData(unsigned int, unsigned int, EffectParam*) override { return false; }
-        OddLibrary* m_owner;
-    };
-
     HRESULT QueryInterface(const _GUID&, void**) override { return E_NOINTERFACE; }
-    ULONG AddRef() override { return 1; }
-    ULONG Release() override { return 1; }
-    const char* GetName() override { return m_behaviour == kNullNames ? nullptr : "Odd Library"; }
-    IVideoEffect* CreateEffect(unsigned int) override { return new Effect(this); }
+    ULONG AddRef() override { return 2; }
+    ULONG Release() override { return static_cast<ULONG>(--m_liveEffects); }
+    const char* GetName() override
+    {
+        if (m_behaviour == kThrows)
+            throw std::runtime_error("no name");
+        return m_behaviour == kNullNames ? nullptr : "Odd";
+    }
+    IVideoEffect* CreateEffect(unsigned int) override { return ++m_liveEffects, this; }
     bool OpenHelp(OpaqueWindowPtr*, unsigned int) override { return false; }
     ILibraryServices* GetLibraryServices() override { return nullptr; }
     IFrameProcessor* GetFrameProcessor() override { return nullptr; }
     IPresetSaver* GetPresetSaver() override { return nullptr; }
+    unsigned int GetCaps() override { return 0; }
+    bool EnumParam(unsigned int, EffectParamSetup* setup) override { return (setup->dwType = eptFloat), true; }
+    bool Render(IVideoHost*, FrameParams*, FrameParams*, FrameParams*, RenderInfo*) override { return false; }
+    const char* EnumPreset(unsigned int) override { return nullptr; }
+    bool EnumPresetData(unsigned int, unsigned int, EffectParam*) override { return false; }
 
     Behaviour m_behaviour;
     int m_liveEffects = 0;
@@ -289,7 +269,7 @@ TEST_F(PresetSaverTest, OddLibrariesGetResultsAndTheirEffectsBack)
 {
     // Endless parameters: no record past the hundredth is read.
     OddLibrary endless(OddLibrary::kEndlessParameters);
-    CEffectPreset preset = Record("p", "Odd Library", "Odd", {});
+    CEffectPreset preset = Record("p", "Odd", "Odd", {});
     for (int index = 0; index < kPresetMaxParams; ++index)
         preset.Params[index] = Float(0.5f);
     for (int32_t count : {3, 100, INT_MAX}) {
@@ -311,14 +291,14 @@ TEST_F(PresetSaverTest, OddLibrariesGetResultsAndTheirEffectsBack)
     EXPECT_EQ(loaded.nCount, 1);
     EXPECT_EQ(nameless.m_liveEffects, 0);
 
-    // A throwing effect: the slots return 1, say so, and nothing escapes.
+    // Throwing names: the slots return 1, say so, and nothing escapes.
     OddLibrary throwing(OddLibrary::kThrows);
-    preset = Record("p", "Odd Library", "Odd", {Float(0.5f)});
     EXPECT_EQ(Save(&preset, files.Path("throwing.fxpunka"), &throwing), 1);
     ExpectOneAlert(kSaveFailedTitle, kSaveFailedText);
     EXPECT_FALSE(std::filesystem::exists(files.Path("throwing.fxpunka")));
     EXPECT_EQ(Load(&preset, path, &throwing), 1);
-    ExpectOneAlert(kLoadFailedTitle, kMismatchText);
+    ExpectOneAlert(kLoadFailedTitle, kLoadFailedText);
+    EXPECT_FALSE(CPresetSaver::ValidatePreset(&throwing, 0, &preset));
     EXPECT_EQ(throwing.m_liveEffects, 0);
 }
 
