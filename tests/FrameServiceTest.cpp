@@ -97,16 +97,6 @@ TEST_F(FrameServiceTest, ResizeGivesTheMemberBothWholePicturesAndTheFlagOfTheMod
                   ippStsNoErr);
         EXPECT_EQ(destination.Bytes(), expected.Bytes());
     }
-
-    // One worked value: 10 by 10 to 20 by 5 in nearest neighbour takes columns x / 2, rows 2y + 1.
-    Picture source = Pattern(10, 10, pfVideoSample);
-    Picture destination = Sentinel(20, 5, pfVideoSample);
-    FrameParams src = source.Params(), dst = destination.Params();
-    ASSERT_EQ(service->Resize(&src, &dst, 0), 1u);
-    for (int y = 0; y < 5; ++y)
-        for (int x = 0; x < 20; ++x)
-            ASSERT_EQ(std::memcmp(Row(destination, dst, y) + x * 4, Row(source, src, 2 * y + 1) + x / 2 * 4, 4), 0)
-                << x << ", " << y;
 }
 
 // Null records and pixels are refused with the other operations'.
@@ -137,9 +127,10 @@ TEST_F(FrameServiceTest, ResizeCropTakesTheRectangleFromItsCornerWithTheMemberOf
         FrameParams src = source.Params(), dst = destination.Params();
         tagRECT rect = corner;
         ASSERT_EQ(service->ResizeCrop(&src, &rect, &dst, 2), 1u);
-        for (int y = 0; y < dst.nHeight; ++y)
-            ASSERT_EQ(std::memcmp(Row(destination, dst, y), Row(source, src, corner.top + y) + corner.left * 16, 160), 0)
-                << corner.left << ", row " << y;
+        for (int y = 0; y < dst.nHeight; ++y) {
+            const uint8_t* from = Row(source, src, corner.top + y) + corner.left * 16;
+            ASSERT_EQ(std::memcmp(Row(destination, dst, y), from, 160), 0) << corner.left << ", row " << y;
+        }
     }
 
     // Enlarged: the member of the sample type on the crop, with the flag of the mode.

@@ -133,10 +133,10 @@ TEST(IntensityMeasure, NoVariantReadsPastThePictureAndSwappedFormatsGiveThePlain
             std::memset(bytes.Data(), 0x80, count * 4);
             std::memset(floats.Data(), 0, count * 16);
             for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels()) {
+                const auto* swapped = reinterpret_cast<VideoSampleSwapped*>(bytes.Data());
                 const Intensities plain =
                     Measured(reinterpret_cast<VideoSample*>(bytes.Data()), width, width, height, kernels);
-                EXPECT_TRUE(SameFigures(
-                    plain, Measured(reinterpret_cast<VideoSampleSwapped*>(bytes.Data()), width, width, height, kernels)));
+                EXPECT_TRUE(SameFigures(plain, Measured(swapped, width, width, height, kernels)));
                 EXPECT_GT(plain.fBand[0], 0.0f);
                 Measured(reinterpret_cast<VideoSampleFloat*>(floats.Data()), width, width, height, kernels);
                 Measured(reinterpret_cast<VideoSampleSwappedFloat*>(floats.Data()), width, width, height, kernels);

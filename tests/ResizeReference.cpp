@@ -150,9 +150,10 @@ std::vector<Point> AreaAxis(int interpolation, double factor, double shift, int6
 double FixedLinear(const Source& src, const Point& column, const Point& row, int c)
 {
     auto rowSum = [&](int64_t y) {
-        const int64_t s0 = static_cast<int64_t>(src.sample(static_cast<int>(column.taps[0].first), static_cast<int>(y), c));
-        const int64_t s1 = static_cast<int64_t>(src.sample(static_cast<int>(column.taps[1].first), static_cast<int>(y), c));
-        return ((16384 - column.fixedT) * s0 + column.fixedT * s1 + 128) >> 8;
+        auto at = [&](int tap) {
+            return static_cast<int64_t>(src.sample(static_cast<int>(column.taps[tap].first), static_cast<int>(y), c));
+        };
+        return ((16384 - column.fixedT) * at(0) + column.fixedT * at(1) + 128) >> 8;
     };
     return static_cast<double>(
         ((16384 - row.fixedT) * rowSum(row.taps[0].first) + row.fixedT * rowSum(row.taps[1].first) + 0x80000) >> 20);
@@ -261,31 +262,24 @@ Expected Areas(const Source& src, IppiRect srcRoi, IppiRect dstRoi, double xFact
 testing::AssertionResult Matches(const Expected& expected, const uint8_t* dstOrigin, int dstStep, IppiSize dstSize,
                                  const std::vector<uint8_t>& sentinel)
 {
-    const int sampleBytes = expected.bytes ? 1 : 4;
-    const int pixelBytes = sampleBytes * expected.channels;
+    const size_t sampleBytes = expected.bytes ? 1 : 4;
     for (int y = 0; y < dstSize.height; ++y)
         for (int x = 0; x < dstSize.width; ++x)
             for (int c = 0; c < expected.channels; ++c) {
-                const size_t offset = static_cast<size_t>(y) * dstStep + static_cast<size_t>(x) * pixelBytes +
-                                      static_cast<size_t>(c) * sampleBytes;
-                const int bx = static_cast<int>(x - expected.firstColumn);
-                const int by = static_cast<int>(y - expected.firstRow);
-                const bool inside = bx >= 0 && bx < expected.columns && by >= 0 && by < expected.rows;
-                if (!inside) {
+                const size_t offset =
+                    static_cast<size_t>(y) * dstStep + (static_cast<size_t>(x) * expected.channels + c) * sampleBytes;
+                const int bx = static_cast<int>(x - expected.firstColumn), by = static_cast<int>(y - expected.firstRow);
+                if (bx < 0 || bx >= expected.columns || by < 0 || by >= expected.rows) {
                     if (std::memcmp(dstOrigin + offset, sentinel.data() + offset, sampleBytes) != 0)
                         return testing::AssertionFailure() << "written outside the block at " << x << "," << y;
                     continue;
                 }
-                double actual = dstOrigin[offset];
-                if (!expected.bytes) {
-                    float sample;
-                    std::memcpy(&sample, dstOrigin + offset, sizeof sample);
-                    actual = sample;
-                }
-                const double value = expected.At(bx, by, c);
-                if (!Close(actual, value, expected))
+                float sample = 0;
+                std::memcpy(&sample, dstOrigin + offset, sizeof sample * !expected.bytes);
+                const double actual = expected.bytes ? dstOrigin[offset] : sample;
+                if (!Close(actual, expected.At(bx, by, c), expected))
                     return testing::AssertionFailure() << "pixel " << x << "," << y << " channel " << c << ": got "
-                                                       << actual << ", exact value " << value;
+                                                       << actual << ", exact value " << expected.At(bx, by, c);
             }
     return testing::AssertionSuccess();
 }

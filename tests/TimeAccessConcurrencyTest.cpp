@@ -91,7 +91,8 @@ TEST(TimeAccessConcurrency, ThreadsOnOneObjectOrObjectsSharingAnIdGiveTheInOrder
             // The reference must show the effect at work, or agreeing with it would prove nothing.
             int changed = 0;
             for (int index = 0; index < clip.FrameCount(); ++index)
-                changed += expected[index] != std::vector<uint8_t>(clip.Frame(index), clip.Frame(index) + clip.FrameBytes());
+                changed += expected[index].size() == clip.FrameBytes() &&
+                           std::memcmp(expected[index].data(), clip.Frame(index), clip.FrameBytes()) != 0;
             ASSERT_GE(changed, 4);
 
             const unsigned int id = FreshEffectId();
