@@ -189,34 +189,6 @@ TEST(TimeAccess, ScansAskForTheSourceFormatAndStopAfterFiveQuietFrames)
     EXPECT_EQ(host.FetchCount(), 0u);
 }
 
-// Once a stretch is measured, rendering it again fetches only the substitutes, each released.
-TEST(TimeAccess, MeasuredStretchCostsOnlyTheSubstituteFetches)
-{
-    for (PixelFormat format : {pfVideoSample, pfVideoSampleSwappedFloat}) {
-        Clip clip = TimeAccessOutcome::EventfulClip(format);
-        InProcessHost host(clip);
-        CDeglarer effect;
-        effect.SetId(FreshEffectId());
-        std::vector<Outcome> first;
-        std::vector<int> substitutes;
-        for (int index = 0; index < clip.FrameCount(); ++index) {
-            first.push_back(TimeAccessOutcome::Render(host, effect, clip, index));
-            if (first[index].shows != index)
-                substitutes.push_back(first[index].shows);
-        }
-        ASSERT_GE(substitutes.size(), 4u);
-        // The first pass fetched each frame at most once for measuring, besides the substitutes.
-        EXPECT_LE(host.FetchCount(), static_cast<size_t>(clip.FrameCount()) + substitutes.size());
-
-        host.ClearRecord();
-        for (int index = 0; index < clip.FrameCount(); ++index)
-            EXPECT_EQ(TimeAccessOutcome::Render(host, effect, clip, index), first[index]) << index;
-        EXPECT_EQ(host.FetchedIndices(), substitutes);
-        EXPECT_EQ(host.ReleaseCount(), substitutes.size());
-        EXPECT_EQ(host.Leaks(), "");
-    }
-}
-
 TEST(TimeAccess, PositionsOutsideTheClipPassUnchanged)
 {
     struct Case {
