@@ -55,12 +55,17 @@ struct Picture {
                 const double r = inside ? sample(x, y) : garbage, g = inside ? sample(x + 1, y) : garbage,
                              b = inside ? sample(x + 2, y) : garbage;
                 Pixel& pixel = pixels[static_cast<size_t>(y) * span + x];
-                if constexpr (sizeof(Pixel) == 4)
-                    pixel.r = std::lround(r * 255), pixel.g = std::lround(g * 255), pixel.b = std::lround(b * 255),
+                if constexpr (sizeof(Pixel) == 4) {
+                    pixel.r = static_cast<uint8_t>(std::lround(r * 255));
+                    pixel.g = static_cast<uint8_t>(std::lround(g * 255));
+                    pixel.b = static_cast<uint8_t>(std::lround(b * 255));
                     pixel.a = static_cast<uint8_t>(random());
-                else
-                    pixel.r = static_cast<float>(r), pixel.g = static_cast<float>(g), pixel.b = static_cast<float>(b),
+                } else {
+                    pixel.r = static_cast<float>(r);
+                    pixel.g = static_cast<float>(g);
+                    pixel.b = static_cast<float>(b);
                     pixel.a = 1e30f;
+                }
             }
     }
 };
