@@ -153,42 +153,6 @@ TEST(Resize, ConstantPicturesAndTwoSamplesDoubledGiveWorkedValues)
     }
 }
 
-// Corner-to-corner Lanczos needs 8 samples each way, pixel-area Lanczos 6, cubic 4, and
-// corner-to-corner everything but nearest neighbour 2; a smaller picture takes the narrower kernel.
-TEST(Resize, SmallPicturesFallBackToNarrowerKernels)
-{
-    struct Case {
-        bool areas;
-        IppiSize size;
-        int asked, used;
-    };
-    const int nn = IPPI_INTER_NN, linear = IPPI_INTER_LINEAR, cubic = IPPI_INTER_CUBIC, lanczos = IPPI_INTER_LANCZOS;
-    const Case cases[] = {
-        {false, {7, 100}, lanczos, cubic}, {false, {100, 3}, lanczos, linear}, {false, {1, 100}, linear, nn},
-        {false, {8, 8}, lanczos, lanczos}, {true, {5, 30}, lanczos, cubic},    {true, {3, 30}, cubic, linear},
-        {true, {6, 6}, lanczos, lanczos},
-    };
-    std::mt19937 rng(11);
-    for (const Member& m : kMembers)
-        for (const Case& c : cases) {
-            if (c.areas != m.areas)
-                continue;
-            SCOPED_TRACE(testing::Message() << m << " " << c.size.width << "x" << c.size.height << " " << c.asked);
-            TestPicture src(c.size, m.channels, m.bytes);
-            src.FillRandom(rng);
-            const int modes[] = {c.asked, c.used, c.used == nn ? linear : nn};
-            std::vector<uint8_t> results[3];
-            for (int run = 0; run < 3; ++run) {
-                TestPicture dst({90, 90}, m.channels, m.bytes);
-                ASSERT_EQ(Resize(src, src.Whole(), dst, dst.Whole(), 2.3, 2.1, 0.4, 0.1, modes[run], m.areas),
-                          ippStsNoErr);
-                results[run] = dst.Bytes();
-            }
-            EXPECT_EQ(results[0], results[1]);
-            EXPECT_TRUE(c.used == nn || results[0] != results[2]) << "the fall-back differs from the next";
-        }
-}
-
 // Nearest and linear have fixed figures; whatever the interpolation, four times the linear
 // figure is enough work space, which the resize processor relies on.
 TEST(ResizeGetBufSize, GivesFiguresWithinFourTimesLinearAndRefusesInOrder)
