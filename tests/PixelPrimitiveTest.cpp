@@ -1,5 +1,7 @@
-// The pixel members on small hand-worked pictures: rounding and saturation edges, the channel
-// forms, and what each leaves alone. Every case runs at each variant index the processor can run.
+// The pixel members on small hand-worked pictures: rounding and saturation edges, and what each
+// leaves alone. Every case runs at each variant index the processor can run. The channel copies,
+// sets, swap and replicated border are worked through the processors built on them, at each index
+// too (ColourChannelTest.cpp, FillBorderTest.cpp).
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -110,22 +112,6 @@ TEST(PixelPrimitives, YCbCr422ConversionsBothWays)
     });
 }
 
-TEST(PixelPrimitives, SwapChannelsReadsThePixelFirst)
-{
-    struct Case {
-        int order[4];
-        uint8_t expected[4];
-    };
-    const Case cases[] = {{{3, 2, 1, 0}, {4, 3, 2, 1}}, {{0, 0, 0, 0}, {1, 1, 1, 1}}, {{1, 2, 3, 0}, {2, 3, 4, 1}}};
-    AtEveryIndex([&] {
-        for (const Case& c : cases) {
-            std::vector<uint8_t> picture = Repeat<uint8_t>({1, 2, 3, 4}, 7);
-            ASSERT_EQ(ippStsNoErr, ippiSwapChannels_8u_C4IR(picture.data(), 28, {7, 1}, c.order));
-            EXPECT_EQ(Repeat(c.expected, 7), picture) << "order " << c.order[0] << c.order[1] << c.order[2];
-        }
-    });
-}
-
 TEST(PixelPrimitives, FloatArithmeticEdges)
 {
     struct Case {
@@ -196,68 +182,6 @@ TEST(PixelPrimitives, ColourArithmeticLeavesTheFourthSampleAndSumsInItsOrder)
             for (int i = 0; i < 12; ++i)
                 EXPECT_EQ(Bits(c.expected[i % 4]), Bits(dst[i])) << c.what << ", sample " << i;
         }
-    });
-}
-
-TEST(PixelPrimitives, ChannelCopiesAndSetsTouchOnlyTheirChannel)
-{
-    using Bytes = std::vector<uint8_t>;
-    using Floats = std::vector<float>;
-    AtEveryIndex([] {
-        const uint8_t four[12] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
-        uint8_t one[3] = {0, 0, 0}, target[12] = {};
-        ASSERT_EQ(ippStsNoErr, ippiCopy_8u_C4C1R(four + 2, 12, one, 3, {3, 1}));
-        EXPECT_EQ(Bytes({3, 7, 11}), Bytes(one, one + 3));
-        ASSERT_EQ(ippStsNoErr, ippiCopy_8u_C1C4R(one, 3, target + 1, 12, {3, 1}));
-        EXPECT_EQ(Bytes({0, 3, 0, 0, 0, 7, 0, 0, 0, 11, 0, 0}), Bytes(target, target + 12));
-        ASSERT_EQ(ippStsNoErr, ippiCopy_8u_C4CR(four + 3, 12, target + 1, 12, {3, 1}));
-        ASSERT_EQ(ippStsNoErr, ippiSet_8u_C4CR(0x99, target + 3, 12, {3, 1}));
-        EXPECT_EQ(Bytes({0, 4, 0, 0x99, 0, 8, 0, 0x99, 0, 12, 0, 0x99}), Bytes(target, target + 12));
-
-        const float floats[8] = {0.5f, 1.5f, 2.5f, 3.5f, 4.5f, 5.5f, 6.5f, 7.5f};
-        float plane[2] = {}, pixels[8] = {};
-        ASSERT_EQ(ippStsNoErr, ippiCopy_32f_C4C1R(floats + 1, 32, plane, 8, {2, 1}));
-        EXPECT_EQ(Floats({1.5f, 5.5f}), Floats(plane, plane + 2));
-        ASSERT_EQ(ippStsNoErr, ippiCopy_32f_C1C4R(plane, 8, pixels + 3, 32, {2, 1}));
-        ASSERT_EQ(ippStsNoErr, ippiCopy_32f_C4CR(floats + 2, 32, pixels, 32, {2, 1}));
-        ASSERT_EQ(ippStsNoErr, ippiSet_32f_C4CR(-1.0f, pixels + 1, 32, {2, 1}));
-        EXPECT_EQ(Floats({2.5f, -1.0f, 0, 1.5f, 6.5f, -1.0f, 0, 5.5f}), Floats(pixels, pixels + 8));
-
-        // Two rows of two pixels, a pixel of padding after each.
-        const Ipp8u colour[4] = {10, 20, 30, 40};
-        Bytes filled(2 * 12, 0xee);
-        ASSERT_EQ(ippStsNoErr, ippiSet_8u_C4R(colour, filled.data(), 12, {2, 2}));
-        const uint8_t e = 0xee;
-        EXPECT_EQ(Bytes({10, 20, 30, 40, 10, 20, 30, 40, e, e, e, e, 10, 20, 30, 40, 10, 20, 30, 40, e, e, e, e}),
-                  filled);
-        std::vector<float> mono(5, 9.0f);
-        ASSERT_EQ(ippStsNoErr, ippiSet_32f_C1R(0.25f, mono.data(), 12, {2, 2}));
-        EXPECT_EQ(Floats({0.25f, 0.25f, 9.0f, 0.25f, 0.25f}), mono);
-    });
-}
-
-// A 2 x 2 picture placed at column 1, row 1 of a 4 x 4 destination, and its edges replicated.
-TEST(PixelPrimitives, ReplicateBorderPlacesThePictureAndExtendsItsEdges)
-{
-    const uint8_t picture[4] = {1, 2, 3, 4};
-    const std::vector<uint8_t> expected = {1, 1, 2, 2, 1, 1, 2, 2, 3, 3, 4, 4, 3, 3, 4, 4};
-    AtEveryIndex([&] {
-        std::vector<uint8_t> dst(16, 0xee);
-        ASSERT_EQ(ippStsNoErr, ippiCopyReplicateBorder_8u_C1R(picture, 2, {2, 2}, dst.data(), 4, {4, 4}, 1, 1));
-        EXPECT_EQ(expected, dst);
-        // In place: the picture already lies at (1, 1) of the frame; only the margin is filled.
-        std::vector<uint8_t> frame = {0, 0, 0, 0, 0, 1, 2, 0, 0, 3, 4, 0, 0, 0, 0, 0};
-        ASSERT_EQ(ippStsNoErr,
-                  ippiCopyReplicateBorder_8u_C1R(frame.data() + 5, 4, {2, 2}, frame.data(), 4, {4, 4}, 1, 1));
-        EXPECT_EQ(expected, frame);
-
-        const uint8_t pixel[4] = {9, 8, 7, 6};
-        std::vector<uint8_t> spread(3 * 2 * 4, 0);
-        ASSERT_EQ(ippStsNoErr, ippiCopyReplicateBorder_8u_C4R(pixel, 4, {1, 1}, spread.data(), 12, {3, 2}, 1, 2));
-        EXPECT_EQ(Repeat(pixel, 6), spread);
-        std::vector<uint8_t> copy(4, 0);
-        ASSERT_EQ(ippStsNoErr, ippiCopyReplicateBorder_8u_C1R(picture, 2, {2, 2}, copy.data(), 2, {2, 2}, 0, 0));
-        EXPECT_EQ(std::vector<uint8_t>(picture, picture + 4), copy);
     });
 }
 
