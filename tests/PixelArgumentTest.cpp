@@ -102,6 +102,9 @@ IppStatus Border(bool four, const uint8_t* src, int srcStep, IppiSize srcSize, u
                 : ippiCopyReplicateBorder_8u_C1R(src, srcStep, srcSize, d, dstStep, dstSize, top, left);
 }
 
+// A call on the destination d alone, for a member's own values.
+#define ON_DST(call) [](uint8_t* d) { return call; }
+
 struct OwnCase {
     const char* what;
     std::function<IppStatus(uint8_t* d)> call;
@@ -120,15 +123,16 @@ std::vector<OwnCase> OwnCases()
     auto swap = [](int step, IppiSize size, const int* order) {
         return [=](uint8_t* d) { return ippiSwapChannels_8u_C4IR(d, step, size, order); };
     };
+    auto threshold = [](int step, const Ipp32f* limits, const Ipp32f* values) {
+        return [=](uint8_t* d) { return ippiThreshold_LTVal_32f_C4IR(F(d), step, {2, 2}, limits, values); };
+    };
     auto border = [](bool four, const uint8_t* src, int srcStep, IppiSize srcSize, int dstStep, IppiSize dstSize,
                      int top, int left) {
         return [=](uint8_t* d) { return Border(four, src, srcStep, srcSize, d, dstStep, dstSize, top, left); };
     };
     return {
-        {"4:2:2 to BGR of width 1",
-         [](uint8_t* d) { return ippiYCbCr422ToBGR_8u_C2C4R(kSrc, kStep, d, kStep, {1, 2}, 0); }, ippStsSizeErr},
-        {"BGR to 4:2:2 of width 1",
-         [](uint8_t* d) { return ippiBGRToYCbCr422_8u_AC4C2R(kSrc, kStep, d, kStep, {1, 2}); }, ippStsSizeErr},
+        {"to BGR, width 1", ON_DST(ippiYCbCr422ToBGR_8u_C2C4R(kSrc, kStep, d, kStep, {1, 2}, 9)), ippStsSizeErr},
+        {"to 4:2:2, width 1", ON_DST(ippiBGRToYCbCr422_8u_AC4C2R(kSrc, kStep, d, kStep, {1, 2})), ippStsSizeErr},
         {"alpha type 12", comp({2, 2}, kSrc, 12), ippStsAlphaTypeErr},
         {"alpha type -1", comp({2, 2}, kSrc, -1), ippStsAlphaTypeErr},
         {"size before alpha type", comp({0, 2}, kSrc, 12), ippStsSizeErr},
@@ -138,18 +142,12 @@ std::vector<OwnCase> OwnCases()
         {"null order", swap(kStep, {2, 2}, nullptr), ippStsNullPtrErr},
         {"swap checks the step before the size", swap(0, {0, 2}, kOrder), ippStsStepErr},
         {"size before order", swap(kStep, {0, 2}, badOrder), ippStsSizeErr},
-        {"threshold arrays after the step",
-         [](uint8_t* d) { return ippiThreshold_LTVal_32f_C4IR(F(d), 0, {2, 2}, nullptr, kFour); }, ippStsStepErr},
-        {"null thresholds",
-         [](uint8_t* d) { return ippiThreshold_LTVal_32f_C4IR(F(d), kStep, {2, 2}, nullptr, kFour); },
-         ippStsNullPtrErr},
-        {"null values", [](uint8_t* d) { return ippiThreshold_LTVal_32f_C4IR(F(d), kStep, {2, 2}, kFour, nullptr); },
-         ippStsNullPtrErr},
-        {"null twist", [](uint8_t* d) { return ippiColorTwist_32f_AC4IR(F(d), kStep, {2, 2}, nullptr); },
-         ippStsNullPtrErr},
-        {"null constant", [](uint8_t* d) { return ippiAddC_32f_AC4IR(nullptr, F(d), kStep, {2, 2}); },
-         ippStsNullPtrErr},
-        {"null colour", [](uint8_t* d) { return ippiSet_8u_C4R(nullptr, d, kStep, {2, 2}); }, ippStsNullPtrErr},
+        {"threshold arrays after the step", threshold(0, nullptr, kFour), ippStsStepErr},
+        {"null thresholds", threshold(kStep, nullptr, kFour), ippStsNullPtrErr},
+        {"null values", threshold(kStep, kFour, nullptr), ippStsNullPtrErr},
+        {"null twist", ON_DST(ippiColorTwist_32f_AC4IR(F(d), kStep, {2, 2}, nullptr)), ippStsNullPtrErr},
+        {"null constant", ON_DST(ippiAddC_32f_AC4IR(nullptr, F(d), kStep, {2, 2})), ippStsNullPtrErr},
+        {"null colour", ON_DST(ippiSet_8u_C4R(nullptr, d, kStep, {2, 2})), ippStsNullPtrErr},
         {"border: null source", border(true, nullptr, kStep, {1, 1}, kStep, {2, 2}, 0, 0), ippStsNullPtrErr},
         {"border: step before sizes", border(false, kSrc, 0, {0, 1}, kStep, {2, 2}, 0, 0), ippStsStepErr},
         {"border: zero destination step", border(true, kSrc, kStep, {1, 1}, 0, {2, 2}, 0, 0), ippStsStepErr},
