@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <utility>
@@ -184,14 +185,10 @@ TEST_F(AlphaRefusal, FormatsWithoutAPathAndFramesThatLieLeaveTheOutputAlone)
         int spanShrink;   // bytes taken off in2's span, below its row
     };
     const Case cases[] = {
-        {"format 2", 2, 4, 4, 4, 0},
-        {"format 5", 5, 4, 4, 4, 0},
-        {"format 6", 6, 4, 4, 4, 0},
-        {"format 7", 7, 4, 4, 4, 0},
-        {"negative in1 depth", 0, -4, 4, 4, 0},
-        {"negative out depth", 3, 16, 16, -16, 0},
-        {"span below the row", 1, 4, 4, 4, 16},
-        {"float path over byte-deep rows", 4, 16, 4, 16, 0},
+        {"format 2", 2, 4, 4, 4, 0},         {"format 5", 5, 4, 4, 4, 0},
+        {"format 6", 6, 4, 4, 4, 0},         {"format 7", 7, 4, 4, 4, 0},
+        {"negative in1 depth", 0, -4, 4, 4, 0}, {"negative out depth", 3, 16, 16, -16, 0},
+        {"span below the row", 1, 4, 4, 4, 16}, {"float path over byte-deep rows", 4, 16, 4, 16, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -243,48 +240,41 @@ TEST_F(AlphaRefusal, ZeroDepthIsReportedByItsExpressionThenRefused)
     }
 }
 
+// The run covers whole spans, padding included; a frame of one sample a pixel inverts every
+// sample. Bytes become 255 minus their value, floats 1 minus theirs, unclamped.
 TEST(InvertChannel, InvertsOnePositionOfEveryPixelPaddingIncluded)
 {
     struct Case {
         PixelFormat format;
         int depth, channel;
-        int invertedEvery;   // samples: every byte (1) or every fourth one (4)
-        int first;           // the first inverted sample
+        int every, first;   // the inverted samples: every such one, from this first
     };
     const Case cases[] = {
-        {pfVideoSample, 4, 2, 4, 2}, {pfVideoSampleSwapped, 4, 0, 4, 0}, {static_cast<PixelFormat>(2), 4, 3, 4, 3},
-        {pfMono8, 1, 4, 1, 0},       {static_cast<PixelFormat>(5), 1, -1, 1, 0},
+        {pfVideoSample, 4, 2, 4, 2},      {pfVideoSampleSwapped, 4, 0, 4, 0},       {pfMono8, 1, 4, 1, 0},
+        {pfVideoSampleFloat, 16, 3, 4, 3}, {pfVideoSampleSwappedFloat, 16, 1, 4, 1}, {pfMonoFloat, 4, 9, 1, 0},
+        {static_cast<PixelFormat>(2), 4, 3, 4, 3}, {static_cast<PixelFormat>(5), 1, -1, 1, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << "format " << c.format);
         TestFrame frame(c.format, 3, 2, c.depth, c.depth * 2);
         frame.FillPattern();
-        frame.Byte(0, 0, c.first) = 0;
-        frame.Byte(1, 0, c.first) = 255;
-        frame.Byte(2, 1, c.first) = 1;
+        const bool floats = frame.Floats();
+        frame.SetSample(0, 0, c.first, 0);
+        frame.SetSample(1, 0, c.first, floats ? 1.5 : 255);
+        frame.SetSample(2, 1, c.first, floats ? -1 : 1);
         const std::vector<uint8_t> before = frame.Memory();
         ASSERT_TRUE(CInvertChannel().Process(frame.Get(), c.channel));
-        const size_t end = static_cast<size_t>(frame->m_nByteSpan) * frame->m_nHeight;
-        for (size_t i = 0; i < before.size(); ++i) {
-            const bool inverted = i < end && i % c.invertedEvery == static_cast<size_t>(c.first);
-            ASSERT_EQ(frame.Memory()[i], inverted ? 255 - before[i] : before[i]) << "byte " << i;
-        }
-    }
-    // Float channels become one minus their value; a one-float frame inverts every sample.
-    const float values[] = {0.25f, 1.5f, -1.0f, 0.0f, 1.0f};
-    const std::pair<PixelFormat, int> floatCases[] = {
-        {pfVideoSampleFloat, 3}, {pfVideoSampleSwappedFloat, 1}, {pfMonoFloat, 9}};
-    for (auto [format, channel] : floatCases) {
-        const int samples = TestFrame::DepthOf(format) / 4;
-        TestFrame frame(format, 5, 1, 0, 0);
-        for (int i = 0; i < 5 * samples; ++i)
-            frame.SetFloat(i / samples, 0, i % samples, values[(i / samples + i % samples) % 5]);
-        ASSERT_TRUE(CInvertChannel().Process(frame.Get(), channel));
-        for (int i = 0; i < 5 * samples; ++i) {
-            const float original = values[(i / samples + i % samples) % 5];
-            const bool inverted = samples == 1 || i % samples == channel;
-            EXPECT_EQ(frame.GetFloat(i / samples, 0, i % samples), inverted ? 1.0f - original : original)
-                << "format " << format << " sample " << i;
+        const size_t end = static_cast<size_t>(frame->m_nByteSpan) * frame->m_nHeight, size = floats ? 4 : 1;
+        for (size_t i = 0; i < before.size(); i += size) {
+            const bool inverted = i < end && i / size % c.every == static_cast<size_t>(c.first);
+            if (floats) {
+                float was, now;
+                std::memcpy(&was, &before[i], 4);
+                std::memcpy(&now, &frame.Memory()[i], 4);
+                ASSERT_EQ(now, inverted ? 1.0f - was : was) << "float " << i / 4;
+            } else {
+                ASSERT_EQ(frame.Memory()[i], inverted ? 255 - before[i] : before[i]) << "byte " << i;
+            }
         }
     }
 }
