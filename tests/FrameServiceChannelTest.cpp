@@ -3,7 +3,6 @@
 // here, one worked value each shows the right processor driven with the right arguments.
 #include <cmath>
 #include <cstring>
-#include <functional>
 #include <vector>
 
 #include "FrameServiceFixture.h"
@@ -104,71 +103,24 @@ TEST_F(FrameServiceTest, ChannelOperationsRefuseFormatsAndChannelsWithoutAPath)
     EXPECT_TRUE(Untouched(floats));
 }
 
-// Operations on one frame in place: every sample of the picture afterwards, from the pixel before.
-TEST_F(FrameServiceTest, InPlaceChannelOperationsTakeTheSlotsArguments)
+// One pixel through each channel slot: the arguments reach the processor in their order.
+TEST_F(FrameServiceTest, ChannelSlotsPassTheirArgumentsInOrder)
 {
-    static unsigned int order[4] = {1, 2, 3, 0};
-    struct Case {
-        const char* what;
-        PixelFormat format;
-        int padding;   // bytes after each row, which stay as they were
-        std::function<uint32_t(FrameService&, FrameParams*)> call;
-        std::function<double(const double before[4], int c)> expected;
-    };
-    const Case cases[] = {
-        {"set channel 2 to the low byte", pfVideoSample, 8,
-         [](FrameService& s, FrameParams* f) { return s.SetChannelValue(f, 2, 0x1234); },
-         [](const double before[4], int c) { return c == 2 ? 0x34 : before[c]; }},
-        {"swap by order", pfVideoSampleFloat, 0,
-         [](FrameService& s, FrameParams* f) { return s.SwapChannels(f, order); },
-         [](const double before[4], int c) { return before[order[c]]; }},
-        {"invert channel 1", pfVideoSample, 0, [](FrameService& s, FrameParams* f) { return s.InvertChannel(f, 1); },
-         [](const double before[4], int c) { return c == 1 ? 255 - before[c] : before[c]; }},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        const int depth = BytesPerPixel(c.format);
-        Picture frame = Pattern(3, 4, c.format, 3 * depth + c.padding, 9);
-        const Picture before = frame;
-        FrameParams params = frame.Params();
-        ASSERT_EQ(c.call(*service, &params), 1u);
-        for (int y = 0; y < 4; ++y) {
-            for (int x = 0; x < 3; ++x) {
-                double old[4];
-                for (int s = 0; s < 4; ++s)
-                    old[s] = SampleAt(before, params, x, y, s);
-                for (int s = 0; s < 4; ++s)
-                    ASSERT_EQ(SampleAt(frame, params, x, y, s), c.expected(old, s)) << x << ", " << y << " #" << s;
-            }
-            EXPECT_EQ(std::memcmp(Row(frame, params, y) + 3 * depth, Row(before, params, y) + 3 * depth, c.padding), 0);
-        }
-    }
-}
-
-TEST_F(FrameServiceTest, ReverseAndCopyChannelWriteTheCommonArea)
-{
-    Picture source = Pattern(5, 4, pfVideoSampleSwappedFloat, 5 * 16 + 4);
-    Picture destination = Sentinel(4, 6, pfVideoSampleSwappedFloat, 4 * 16 + 8);
-    FrameParams src = source.Params(), dst = destination.Params();
-    ASSERT_EQ(service->ReverseChannels(&src, &dst), 1u);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 4; ++x)
-            for (int c = 0; c < 4; ++c)
-                ASSERT_EQ(SampleAt(destination, dst, x, y, c), SampleAt(source, src, x, y, 3 - c));
-    for (int y = 0; y < 6; ++y)
-        for (int x = y < 4 ? 64 : 0; x < dst.nByteSpan; ++x)
-            ASSERT_EQ(Row(destination, dst, y)[x], kSentinel) << "outside the common area at " << x << ", " << y;
-
-    // The source channel is the first number, the destination's the second.
-    Picture bytes = Pattern(5, 3, pfVideoSampleSwapped, 0, 8);
-    Picture target = Sentinel(4, 4, pfVideoSample);
-    FrameParams from = bytes.Params(), to = target.Params();
-    ASSERT_EQ(service->CopyChannel(&from, &to, 1, 3), 1u);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 4; ++x)
-            for (int c = 0; c < 4; ++c)
-                ASSERT_EQ(SampleAt(target, to, x, y, c), y < 3 && c == 3 ? SampleAt(bytes, from, x, y, 1) : kSentinel)
-                    << x << ", " << y << " #" << c;
+    using Bytes = std::vector<uint8_t>;
+    const double pixel[4] = {10, 20, 30, 40};
+    Picture frame = Filled(1, 1, pfVideoSample, pixel), target = Sentinel(1, 1, pfVideoSample);
+    FrameParams params = frame.Params(), dst = target.Params();
+    unsigned int order[4] = {1, 2, 3, 0};
+    ASSERT_EQ(service->SetChannelValue(&params, 2, 0x1234), 1u);   // the low byte
+    EXPECT_EQ(frame.Bytes(), Bytes({10, 20, 0x34, 40}));
+    ASSERT_EQ(service->InvertChannel(&params, 1), 1u);
+    EXPECT_EQ(frame.Bytes(), Bytes({10, 235, 0x34, 40}));
+    ASSERT_EQ(service->SwapChannels(&params, order), 1u);
+    EXPECT_EQ(frame.Bytes(), Bytes({235, 0x34, 40, 10}));
+    ASSERT_EQ(service->ReverseChannels(&params, &dst), 1u);   // the source first
+    EXPECT_EQ(target.Bytes(), Bytes({10, 40, 0x34, 235}));
+    ASSERT_EQ(service->CopyChannel(&params, &dst, 1, 0), 1u);   // the source's channel first
+    EXPECT_EQ(target.Bytes(), Bytes({0x34, 40, 0x34, 235}));
 }
 
 // Packed 4:2:2 rows of the pairs (y0, cb, y1, cr), repeated, as the service takes them.
@@ -268,28 +220,22 @@ TEST_F(FrameServiceTest, AlphaBlendAndPremulDriveTheirProcessors)
     EXPECT_EQ(frame.Bytes(), std::vector<uint8_t>({100, 50, 25, 128, 100, 50, 25, 128}));
 }
 
+// A grey to studio-range Y'CbCr and back. The converter reports success whatever its steps
+// refused: a source of another format gives 1 and leaves the destination.
 TEST_F(FrameServiceTest, StudioRangeConversionsOfAlphaFirstFloats)
 {
-    const double pixel[4] = {0.75, 0.5, 0.5, 0.5};
-    Picture rgb = Filled(3, 2, pfVideoSampleSwappedFloat, pixel);
-    Picture yuv = Sentinel(3, 2, pfVideoSampleSwappedFloat);
-    Picture back = Sentinel(3, 2, pfVideoSampleSwappedFloat);
-    FrameParams src = rgb.Params(), mid = yuv.Params(), dst = back.Params();
+    const double grey[4] = {0.75, 0.5, 0.5, 0.5};
+    Picture rgb = Filled(1, 1, pfVideoSampleSwappedFloat, grey), yuv = Sentinel(1, 1, pfVideoSampleSwappedFloat),
+            back = Sentinel(1, 1, pfVideoSampleSwappedFloat), blueFirst = Pattern(1, 1, pfVideoSampleFloat);
+    FrameParams src = rgb.Params(), mid = yuv.Params(), dst = back.Params(), other = blueFirst.Params();
     ASSERT_EQ(service->ARGB32ToAppleR4FL(&src, &mid), 1u);
+    EXPECT_NEAR(SampleAt(yuv, mid, 0, 0, 1), 0.5 * 219.0 / 255.0, 1e-6);
+    EXPECT_NEAR(SampleAt(yuv, mid, 0, 0, 2), 128.0 / 255.0, 1e-6);
+    EXPECT_EQ(service->AppleR4FLToARGB32(&other, &dst) + service->ARGB32ToAppleR4FL(&other, &dst), 2u);
+    EXPECT_TRUE(Untouched(back));
     ASSERT_EQ(service->AppleR4FLToARGB32(&mid, &dst), 1u);
-    EXPECT_NEAR(SampleAt(yuv, mid, 2, 1, 1), 0.5 * 219.0 / 255.0, 1e-6);
-    EXPECT_NEAR(SampleAt(yuv, mid, 2, 1, 2), 128.0 / 255.0, 1e-6);
     for (int c = 1; c < 4; ++c)
-        EXPECT_NEAR(SampleAt(back, dst, 2, 1, c), 0.5, 1e-5) << c;
-
-    // The converter reports success whatever its steps refused: a source of another format
-    // gives 1 and leaves the destination.
-    Picture blueFirst = Pattern(3, 2, pfVideoSampleFloat);
-    Picture destination = Sentinel(3, 2, pfVideoSampleSwappedFloat);
-    FrameParams other = blueFirst.Params(), target = destination.Params();
-    EXPECT_EQ(service->ARGB32ToAppleR4FL(&other, &target), 1u);
-    EXPECT_EQ(service->AppleR4FLToARGB32(&other, &target), 1u);
-    EXPECT_TRUE(Untouched(destination));
+        EXPECT_NEAR(SampleAt(back, dst, 0, 0, c), 0.5, 1e-5) << c;
 }
 
 // Square, root and threshold on each of the four channels, and a negative root giving 0.
