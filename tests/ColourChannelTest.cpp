@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <iterator>
 #include <limits>
+#include <memory>
 #include <vector>
 
 #include "../Common/ChannelReverse.h"
@@ -135,26 +137,24 @@ TEST_P(ColorSpaceConverter, MatrixOperationsTakeOnlyAlphaFirstFloats)
 }
 
 // Each entry of an order names the old position its position takes.
-TEST_P(ChannelReverse, ReversesIntoAnotherFrameAndPermutesInPlace)
+// In place: reversed, or permuted by an order whose entries each name the old position their own
+// takes. Reversal into another frame goes with the converter's cases.
+TEST_P(ChannelReverse, ReversesAndPermutesInPlace)
 {
     const unsigned int orders[][4] = {{3, 2, 1, 0}, {0, 0, 0, 0}, {1, 2, 3, 0}, {2, 2, 3, 3}};
     for (PixelFormat format : kFourSampleFormats) {
         SCOPED_TRACE(testing::Message() << "format " << format);
-        TestFrame src(format, 4, 3), dst(format, 2, 5), frame(format, 3, 2);
-        src.FillPattern();
-        const std::vector<uint8_t> before = dst.Memory();
-        ASSERT_TRUE(Processors::CChannelReverse().Process(src.Get(), dst.Get()));
-        ExpectSamplesFrom(dst, src, 2, 3, kReversed);
-        dst.ExpectUntouchedOutside(before, 2, 3);
+        TestFrame original(format, 3, 2), frame(format, 3, 2);
+        original.FillPattern();
         frame.FillPattern();
         ASSERT_TRUE(Processors::CChannelReverse().Process(frame.Get(), frame.Get()));
-        ExpectSamplesFrom(frame, src, 3, 2, kReversed);
+        ExpectSamplesFrom(frame, original, 3, 2, kReversed);
         for (const auto& order : orders) {
             SCOPED_TRACE(testing::Message() << "order " << order[0] << order[1] << order[2] << order[3]);
             frame.FillPattern();
             unsigned int copy[4] = {order[0], order[1], order[2], order[3]};
             ASSERT_TRUE(Processors::CChannelReverse().Process(frame.Get(), copy));
-            ExpectSamplesFrom(frame, src, 3, 2, order);
+            ExpectSamplesFrom(frame, original, 3, 2, order);
         }
     }
 }
@@ -277,25 +277,22 @@ TEST_P(FloatArithmetic, SquareRootAndFloorRunOverAllFourSamples)
 TEST_P(Refusals, NoPathLeavesTheFrameAlone)
 {
     using namespace Processors;
-    auto convertFrom = [](int format) {
-        return [=](CFrame* dst) {
-            TestFrame src(static_cast<PixelFormat>(format), 2, 2);
-            src.FillPattern();
-            return CColorSpaceConverter().Process(src.Get(), dst);
+    // A patterned two-by-two source frame, kept alive by the call made with it.
+    auto source = [](int format, int depth = 0) {
+        auto frame = std::make_shared<TestFrame>(static_cast<PixelFormat>(format), 2, 2, depth);
+        frame->FillPattern();
+        return frame;
+    };
+    auto convertFrom = [&](int format) {
+        return [src = source(format)](CFrame* dst) { return CColorSpaceConverter().Process(src->Get(), dst); };
+    };
+    auto copy = [&](int format, int depth, int srcPlane, int dstPlane) {
+        return [src = source(format, depth), srcPlane, dstPlane](CFrame* dst) {
+            return CCopyPlane().Process(src->Get(), dst, srcPlane, dstPlane);
         };
     };
-    auto order = [](unsigned int o0, unsigned int o1, unsigned int o2, unsigned int o3) {
-        return [=](CFrame* frame) {
-            unsigned int entries[4] = {o0, o1, o2, o3};
-            return CChannelReverse().Process(frame, entries);
-        };
-    };
-    auto copy = [](int format, int depth, int srcPlane, int dstPlane) {   // from a frame of that format
-        return [=](CFrame* dst) {
-            TestFrame src(static_cast<PixelFormat>(format), 2, 2, depth);
-            src.FillPattern();
-            return CCopyPlane().Process(src.Get(), dst, srcPlane, dstPlane);
-        };
+    auto order = [](std::array<unsigned int, 4> entries) {
+        return [=](CFrame* frame) mutable { return CChannelReverse().Process(frame, entries.data()); };
     };
     auto setColor = [](CFrame* frame) { return CSetColor().Process(frame, 0xFFFFFFFFu); };
     auto setChannel = [](unsigned int channel) {
@@ -319,9 +316,10 @@ TEST_P(Refusals, NoPathLeavesTheFrameAlone)
         {5, 0, 3, 2, -1, convertFrom(0)}, {7, 0, 3, 2, -1, convertFrom(7)}, {3, 4, 3, 2, -1, convertFrom(0)},
         {3, 0, 3, 2, -1, [](CFrame* dst) { return CColorSpaceConverter().Process(nullptr, dst); }},
         // Orders beyond the record, formats without four samples, no rows, frames missing.
-        {3, 0, 3, 2, -1, order(0, 1, 2, 4)}, {4, 0, 3, 2, -1, order(4, 0, 0, 0)}, {0, 0, 3, 2, -1, order(0, 1, 2, 4)},
-        {6, 0, 3, 2, -1, order(0, 1, 2, 3)}, {7, 0, 3, 2, -1, order(0, 1, 2, 3)}, {3, 0, 3, 0, -1, order(0, 1, 2, 3)},
-        {1, 0, 3, 2, -1, order(0xFFFFFFFFu, 1, 2, 3)},
+        {3, 0, 3, 2, -1, order({0, 1, 2, 4})}, {4, 0, 3, 2, -1, order({4, 0, 0, 0})},
+        {0, 0, 3, 2, -1, order({0, 1, 2, 4})}, {1, 0, 3, 2, -1, order({0xFFFFFFFFu, 1, 2, 3})},
+        {6, 0, 3, 2, -1, order({0, 1, 2, 3})}, {7, 0, 3, 2, -1, order({0, 1, 2, 3})},
+        {3, 0, 3, 0, -1, order({0, 1, 2, 3})},
         {0, 0, 3, 2, -1, [](CFrame* dst) { return CChannelReverse().Process(nullptr, dst); }},
         {0, 0, 3, 2, -1, [](CFrame* dst) { return CChannelReverse().Process(dst, static_cast<CFrame*>(nullptr)); }},
         {0, 0, 2, 2, -1, [](CFrame* dst) {

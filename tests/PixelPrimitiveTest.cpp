@@ -112,26 +112,41 @@ TEST(PixelPrimitives, YCbCr422ConversionsBothWays)
     });
 }
 
+// Roots in double, rounded once; zero of either sign and not-a-number stay. The colour members
+// leave the fourth sample, and the twist's first channel sums to 1 only when its terms are added
+// left to right, (1e8 - 1e8) + 1; in place, each result is written after all three samples are read.
 TEST(PixelPrimitives, FloatArithmeticEdges)
 {
+    static const Ipp32f twist[3][4] = {{1e8f, 1.0f, 0.0f, -1e8f}, {0.0f, 0.0f, 2.0f, 0.5f}, {1.0f, 1.0f, 1.0f, 0.0f}};
+    static const Ipp32f add[3] = {1.0f, -1.0f, 0.5f}, mul[3] = {2.0f, -1.0f, 0.0f};
+    static const Ipp32f limit[4] = {0.5f, 0.5f, 0.5f, -1.0f}, value[4] = {0.5f, 7.0f, 9.0f, -1.0f};
+    static const std::vector<float> colour = Repeat({1.0f, 1.0f, 3.0f, kNaN}, 5);
     struct Case {
         const char* what;
-        IppStatus (*member)(float* picture);
+        IppStatus (*member)(float* picture);   // five pixels in a row, in place or as the destination
         float in[4], expected[4];
     };
-    auto sqrtOf = [](float* p) { return ippiSqrt_32f_C4IR(p, 80, {5, 1}); };
-    auto sqrOf = [](float* p) { return ippiSqr_32f_C4IR(p, 80, {5, 1}); };
-    auto threshold = [](float* p) {
-        static const float limit[4] = {0.5f, 0.5f, 0.5f, -1.0f}, value[4] = {0.5f, 7.0f, 9.0f, -1.0f};
-        return ippiThreshold_LTVal_32f_C4IR(p, 80, {5, 1}, limit, value);
-    };
-    // Roots in double, rounded once; zero of either sign and not-a-number stay.
+    const float n = kNaN, d = -7.0f;   // d: a destination sample as it was
     const Case cases[] = {
-        {"roots", sqrtOf, {4.0f, 2.0f, 0.25f, kInf}, {2.0f, 1.41421354f, 0.5f, kInf}},
-        {"roots of zeros", sqrtOf, {0.0f, -0.0f, kNaN, 1.0f}, {0.0f, -0.0f, kNaN, 1.0f}},
-        {"squares", sqrOf, {-3.0f, 0.5f, 1e20f, kNaN}, {9.0f, 0.25f, kInf, kNaN}},
-        {"below takes the value, equal and NaN stay", threshold, {0.25f, 0.25f, 0.5f, kNaN}, {0.5f, 7.0f, 0.5f, kNaN}},
-        {"above stays", threshold, {0.75f, 2.0f, 1.5f, -0.5f}, {0.75f, 2.0f, 1.5f, -0.5f}},
+        {"roots", [](float* p) { return ippiSqrt_32f_C4IR(p, 80, {5, 1}); }, {4, 2, 0.25f, kInf},
+         {2, 1.41421354f, 0.5f, kInf}},
+        {"roots of zeros", [](float* p) { return ippiSqrt_32f_C4IR(p, 80, {5, 1}); }, {0, -0.0f, n, 1},
+         {0, -0.0f, n, 1}},
+        {"squares", [](float* p) { return ippiSqr_32f_C4IR(p, 80, {5, 1}); }, {-3, 0.5f, 1e20f, n},
+         {9, 0.25f, kInf, n}},
+        {"below takes the value, equal and NaN stay",
+         [](float* p) { return ippiThreshold_LTVal_32f_C4IR(p, 80, {5, 1}, limit, value); }, {0.25f, 0.25f, 0.5f, n},
+         {0.5f, 7, 0.5f, n}},
+        {"above stays", [](float* p) { return ippiThreshold_LTVal_32f_C4IR(p, 80, {5, 1}, limit, value); },
+         {0.75f, 2, 1.5f, -0.5f}, {0.75f, 2, 1.5f, -0.5f}},
+        {"twist", [](float* p) { return ippiColorTwist_32f_AC4R(colour.data(), 80, p, 80, {5, 1}, twist); },
+         {d, d, d, d}, {1, 6.5f, 5, d}},
+        {"twist in place", [](float* p) { return ippiColorTwist_32f_AC4IR(p, 80, {5, 1}, twist); }, {1, 1, 3, n},
+         {1, 6.5f, 5, n}},
+        {"add", [](float* p) { return ippiAddC_32f_AC4R(colour.data(), 80, add, p, 80, {5, 1}); }, {d, d, d, d},
+         {2, 0, 3.5f, d}},
+        {"multiply", [](float* p) { return ippiMulC_32f_AC4R(colour.data(), 80, mul, p, 80, {5, 1}); }, {d, d, d, d},
+         {2, -1, 0, d}},
     };
     AtEveryIndex([&] {
         for (const Case& c : cases) {
@@ -146,42 +161,6 @@ TEST(PixelPrimitives, FloatArithmeticEdges)
         EXPECT_TRUE(std::isnan(picture[0]));
         EXPECT_EQ(std::vector<float>({2.0f, 3.0f, 4.0f, 99.0f, 5.0f, 6.0f, 7.0f, 8.0f, 99.0f}),
                   std::vector<float>(picture.begin() + 1, picture.end()));
-    });
-}
-
-TEST(PixelPrimitives, ColourArithmeticLeavesTheFourthSampleAndSumsInItsOrder)
-{
-    // The first channel's terms sum to 1 only when added left to right: (1e8 - 1e8) + 1.
-    static const Ipp32f twist[3][4] = {{1e8f, 1.0f, 0.0f, -1e8f}, {0.0f, 0.0f, 2.0f, 0.5f}, {1.0f, 1.0f, 1.0f, 0.0f}};
-    static const Ipp32f add[3] = {1.0f, -1.0f, 0.5f}, mul[3] = {2.0f, -1.0f, 0.0f};
-    struct Case {
-        const char* what;
-        IppStatus (*member)(const float* s, float* d);
-        float expected[4];
-    };
-    // In place, each channel's result is written only after all three samples are read.
-    const Case cases[] = {
-        {"twist", [](const float* s, float* d) { return ippiColorTwist_32f_AC4R(s, 48, d, 48, {3, 1}, twist); },
-         {1.0f, 6.5f, 5.0f, -7.0f}},
-        {"twist in place",
-         [](const float* s, float* d) {
-             std::memcpy(d, s, 48);
-             return ippiColorTwist_32f_AC4IR(d, 48, {3, 1}, twist);
-         },
-         {1.0f, 6.5f, 5.0f, kNaN}},
-        {"add", [](const float* s, float* d) { return ippiAddC_32f_AC4R(s, 48, add, d, 48, {3, 1}); },
-         {2.0f, 0.0f, 3.5f, -7.0f}},
-        {"multiply", [](const float* s, float* d) { return ippiMulC_32f_AC4R(s, 48, mul, d, 48, {3, 1}); },
-         {2.0f, -1.0f, 0.0f, -7.0f}},
-    };
-    AtEveryIndex([&] {
-        for (const Case& c : cases) {
-            const std::vector<float> src = Repeat({1.0f, 1.0f, 3.0f, kNaN}, 3);
-            std::vector<float> dst(12, -7.0f);
-            ASSERT_EQ(ippStsNoErr, c.member(src.data(), dst.data())) << c.what;
-            for (int i = 0; i < 12; ++i)
-                EXPECT_EQ(Bits(c.expected[i % 4]), Bits(dst[i])) << c.what << ", sample " << i;
-        }
     });
 }
 
