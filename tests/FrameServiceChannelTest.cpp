@@ -12,11 +12,6 @@ namespace {
 using TestHost::BytesPerPixel;
 using TestHost::Picture;
 
-bool IsFloat(PixelFormat format)
-{
-    return format == pfVideoSampleFloat || format == pfVideoSampleSwappedFloat || format == pfMonoFloat;
-}
-
 // Sample c of pixel (x, y) as a number, whatever the sample type.
 double SampleAt(const Picture& picture, const FrameParams& params, int x, int y, int c)
 {
