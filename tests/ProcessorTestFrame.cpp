@@ -62,11 +62,6 @@ void TestFrame::SetSamples(int x, int y, const std::vector<double>& samples)
         SetSample(x, y, c++, value);
 }
 
-std::vector<double> TestFrame::Samples(int x, int y) const
-{
-    return {Sample(x, y, 0), Sample(x, y, 1), Sample(x, y, 2), Sample(x, y, 3)};
-}
-
 namespace {
 // Where a four-sample record keeps sample bgraIndex (0 blue, 1 green, 2 red, 3 alpha): alpha-first
 // records reverse the order, any other keeps it.

@@ -38,7 +38,6 @@ public:
     double Sample(int x, int y, int c) const;
     void SetSample(int x, int y, int c, double value);
     void SetSamples(int x, int y, const std::vector<double>& samples);
-    std::vector<double> Samples(int x, int y) const;   // the first four, in record order
     // The same by meaning: blue, green, red, alpha, wherever the format keeps them.
     void SetBgra(int x, int y, const std::vector<double>& bgra);
     std::vector<double> Bgra(int x, int y) const;
