@@ -40,9 +40,9 @@ const std::vector<PixelFormat> kBgra = {pfVideoSample}, kArgb = {pfVideoSampleSw
                                kFloats = {pfVideoSampleFloat, pfVideoSampleSwappedFloat};
 
 // Alpha-first bytes divide by 255 truncating; blue-first bytes go through the primitive, whose
-// premultiplied rule saturates where the plain one weighs by alpha. Floats are neither clamped nor
-// rounded, except that a fade clamps its input. A fade of bytes scales alpha by level / 256, of
-// floats by level / 255.
+// rounding is tested with it and whose premultiplied rule saturates where the plain one weighs by
+// alpha. Floats are neither clamped nor rounded, except that a fade clamps its input. A fade of
+// bytes scales alpha by level / 256, of floats by level / 255.
 const PixelCase kPixelCases[] = {
     {Op::OverPremul, kArgb, 0, {30, 20, 10, 255}, {25, 50, 100, 200}, {30, 20, 10, 255}},
     {Op::OverPremul, kArgb, 0, {1, 0, 200, 0}, {255, 254, 200, 200}, {255, 254, 255, 200}},
@@ -50,10 +50,8 @@ const PixelCase kPixelCases[] = {
     {Op::Over, kArgb, 0, {30, 20, 10, 255}, {25, 50, 100, 200}, {30, 20, 10, 255}},
     {Op::Over, kArgb, 0, {200, 200, 200, 0}, {255, 0, 77, 255}, {255, 0, 77, 255}},
     {Op::Over, kArgb, 0, {255, 0, 200, 100}, {0, 255, 50, 128}, {100, 77, 93, 177}},
-    {Op::Over, kBgra, 0, {10, 20, 30, 255}, {100, 50, 25, 255}, {10, 20, 30, 255}},
     {Op::OverPremul, kBgra, 0, {200, 0, 1, 0}, {200, 254, 255, 255}, {255, 254, 255, 255}},
     {Op::Over, kBgra, 0, {200, 0, 1, 0}, {200, 254, 255, 255}, {200, 254, 255, 255}},
-    {Op::Over, kBgra, 0, {200, 0, 1, 0}, {200, 254, 255, 128}, {100, 127, 128, 128}},
     {Op::OverPremul, kFloats, 0, {0.25, 0.5, 0.75, 0.5}, {1.0, 0.5, 0.25, 1.0}, {0.75, 0.75, 0.875, 1.0}},
     {Op::OverPremul, kFloats, 0, {0.25, 0.5, 0.75, 1.0}, {1.0, 0.5, 0.25, 1.0}, {0.25, 0.5, 0.75, 1.0}},
     {Op::OverPremul, kFloats, 0, {2.0, -1.0, 0.0, 0.5}, {4.0, 0.0, 0.5, 3.0}, {4.0, -1.0, 0.25, 2.0}},
@@ -64,10 +62,7 @@ const PixelCase kPixelCases[] = {
     {Op::Premul, kArgb, 0, {1, 128, 255, 0}, {}, {0, 0, 0, 0}},
     {Op::Premul, kArgb, 0, {254, 2, 255, 128}, {}, {127, 1, 128, 128}},
     {Op::Premul, kArgb, 0, {1, 254, 100, 200}, {}, {0, 199, 78, 200}},
-    {Op::Premul, kBgra, 0, {1, 255, 254, 255}, {}, {1, 255, 254, 255}},
-    {Op::Premul, kBgra, 0, {255, 128, 1, 0}, {}, {0, 0, 0, 0}},
     {Op::Premul, kBgra, 0, {255, 2, 254, 128}, {}, {128, 1, 127, 128}},
-    {Op::Premul, kBgra, 0, {100, 254, 1, 200}, {}, {78, 199, 0, 200}},
     {Op::Premul, kFloats, 0, {0.5, 2.0, -1.0, 0.5}, {}, {0.25, 1.0, -0.5, 0.5}},
     {Op::Premul, kFloats, 0, {1.0, -0.25, 0.5, 4.0}, {}, {4.0, -1.0, 2.0, 4.0}},
     {Op::Fade, kBgra, 256, {255, 100, 0, 255}, {}, {254, 99, 0, 255}},
