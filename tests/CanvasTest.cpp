@@ -150,18 +150,15 @@ TEST(Canvas, EqualMagnitudesCountAsSteep)
 
 TEST(Canvas, ExchangedEndPointsGiveTheSameLine)
 {
-    struct Ends {
-        double x1, y1, x2, y2;
-    };
-    const Ends lines[] = {{1.3, 2.7, 8.6, 5.2}, {2.2, 0.4, 4.9, 9.7}, {7.5, 1.5, 0.25, 8.75}, {0.0, 0.0, 9.0, 9.0}};
+    const double lines[][4] = {{1.3, 2.7, 8.6, 5.2}, {2.2, 0.4, 4.9, 9.7}, {7.5, 1.5, 0.25, 8.75}, {0, 0, 9, 9}};
     for (PixelFormat format : kFourSampleFormats)
-        for (const Ends& e : lines) {
+        for (const auto& e : lines) {
             TestFrame forward(format, 11, 11), backward(format, 11, 11);
             Paint(forward);
             Paint(backward);
-            Line(forward, e.x1, e.y1, e.x2, e.y2, 0x0030C050u);
-            Line(backward, e.x2, e.y2, e.x1, e.y1, 0x0030C050u);
-            EXPECT_EQ(forward.Memory(), backward.Memory()) << format << " " << e.x1 << "," << e.y1;
+            Line(forward, e[0], e[1], e[2], e[3], 0x0030C050u);
+            Line(backward, e[2], e[3], e[0], e[1], 0x0030C050u);
+            EXPECT_EQ(forward.Memory(), backward.Memory()) << format << " " << e[0] << "," << e[1];
         }
 }
 

@@ -95,13 +95,6 @@ const BadCall kBadCalls[] = {
     {"negative step", false, false, {2, 2}, -64, ippStsStepErr, true},
 };
 
-IppStatus Border(bool four, const uint8_t* src, int srcStep, IppiSize srcSize, uint8_t* d, int dstStep,
-                 IppiSize dstSize, int top, int left)
-{
-    return four ? ippiCopyReplicateBorder_8u_C4R(src, srcStep, srcSize, d, dstStep, dstSize, top, left)
-                : ippiCopyReplicateBorder_8u_C1R(src, srcStep, srcSize, d, dstStep, dstSize, top, left);
-}
-
 // A call on the destination d alone, for a member's own values.
 #define ON_DST(call) [](uint8_t* d) { return call; }
 
@@ -128,7 +121,8 @@ std::vector<OwnCase> OwnCases()
     };
     auto border = [](bool four, const uint8_t* src, int srcStep, IppiSize srcSize, int dstStep, IppiSize dstSize,
                      int top, int left) {
-        return [=](uint8_t* d) { return Border(four, src, srcStep, srcSize, d, dstStep, dstSize, top, left); };
+        const auto member = four ? ippiCopyReplicateBorder_8u_C4R : ippiCopyReplicateBorder_8u_C1R;
+        return [=](uint8_t* d) { return member(src, srcStep, srcSize, d, dstStep, dstSize, top, left); };
     };
     return {
         {"to BGR, width 1", ON_DST(ippiYCbCr422ToBGR_8u_C2C4R(kSrc, kStep, d, kStep, {1, 2}, 9)), ippStsSizeErr},
