@@ -27,12 +27,10 @@ void FrameServiceTest::TearDown()
     }
 }
 
-namespace {
 bool IsFloat(PixelFormat format)
 {
     return format == pfVideoSampleFloat || format == pfVideoSampleSwappedFloat || format == pfMonoFloat;
 }
-} // namespace
 
 Picture Pattern(int width, int height, PixelFormat format, int byteSpan, int seed)
 {

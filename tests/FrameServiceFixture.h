@@ -91,4 +91,5 @@ TestHost::Picture Pattern(int width, int height, PixelFormat format, int byteSpa
 // A picture of sentinel bytes, to see that nothing was written.
 TestHost::Picture Sentinel(int width, int height, PixelFormat format, int byteSpan = 0);
 bool Untouched(const TestHost::Picture& picture);
+bool IsFloat(PixelFormat format);
 const uint8_t* Row(const TestHost::Picture& picture, const FrameParams& params, int y);

@@ -36,22 +36,59 @@ void TestFrame::SetFloat(int x, int y, int c, float value)
     std::memcpy(&m_memory[Offset(x, y) + c * sizeof(float)], &value, sizeof value);
 }
 
-void TestFrame::SetBytes(int x, int y, uint8_t s0, uint8_t s1, uint8_t s2, uint8_t s3)
+bool TestFrame::Floats() const
 {
-    const uint8_t samples[4] = {s0, s1, s2, s3};
-    std::memcpy(&m_memory[Offset(x, y)], samples, 4);
+    const PixelFormat format = m_frame.m_pfPixelFormat;
+    return format == pfVideoSampleFloat || format == pfVideoSampleSwappedFloat || format == pfMonoFloat;
 }
 
-void TestFrame::SetFloats(int x, int y, float s0, float s1, float s2, float s3)
+double TestFrame::Sample(int x, int y, int c) const
 {
-    const float samples[4] = {s0, s1, s2, s3};
-    std::memcpy(&m_memory[Offset(x, y)], samples, sizeof samples);
+    return Floats() ? GetFloat(x, y, c) : m_memory[Offset(x, y) + c];
+}
+
+void TestFrame::SetSample(int x, int y, int c, double value)
+{
+    if (Floats())
+        SetFloat(x, y, c, static_cast<float>(value));
+    else
+        m_memory[Offset(x, y) + c] = static_cast<uint8_t>(value);
+}
+
+void TestFrame::SetSamples(int x, int y, const std::vector<double>& samples)
+{
+    int c = 0;
+    for (double value : samples)
+        SetSample(x, y, c++, value);
+}
+
+namespace {
+// Where a four-sample record keeps sample bgraIndex (0 blue, 1 green, 2 red, 3 alpha): alpha-first
+// records reverse the order, any other keeps it.
+int RecordIndex(PixelFormat format, int bgraIndex)
+{
+    return format == pfVideoSampleSwapped || format == pfVideoSampleSwappedFloat ? 3 - bgraIndex : bgraIndex;
+}
+} // namespace
+
+void TestFrame::SetBgra(int x, int y, const std::vector<double>& bgra)
+{
+    int s = 0;
+    for (double value : bgra)
+        SetSample(x, y, RecordIndex(m_frame.m_pfPixelFormat, s++), value);
+}
+
+std::vector<double> TestFrame::Bgra(int x, int y) const
+{
+    std::vector<double> bgra(4);
+    for (int s = 0; s < 4; ++s)
+        bgra[s] = Sample(x, y, RecordIndex(m_frame.m_pfPixelFormat, s));
+    return bgra;
 }
 
 void TestFrame::FillPattern()
 {
-    const bool floats = m_frame.m_pfPixelFormat == pfVideoSampleFloat ||
-                        m_frame.m_pfPixelFormat == pfVideoSampleSwappedFloat || m_frame.m_pfPixelFormat == pfMonoFloat;
+    const bool floats = Floats();
     for (int y = 0; y < m_frame.m_nHeight; ++y)
         for (int x = 0; x < m_frame.m_nWidth; ++x) {
             if (floats) {

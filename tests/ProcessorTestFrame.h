@@ -7,6 +7,10 @@
 
 #include "../Common/Frame.h"
 
+// The formats of four samples a pixel: bytes and floats, each blue first or alpha first.
+inline constexpr PixelFormat kFourSampleFormats[] = {pfVideoSample, pfVideoSampleSwapped, pfVideoSampleFloat,
+                                                     pfVideoSampleSwappedFloat};
+
 // A frame over memory of its own, every byte the sentinel to begin with, each row padded past the
 // picture, so that a test sees any byte an operation writes outside what it should.
 class TestFrame {
@@ -29,8 +33,14 @@ public:
     uint8_t& Byte(int x, int y, int c) { return m_memory[Offset(x, y) + c]; }
     float GetFloat(int x, int y, int c) const;
     void SetFloat(int x, int y, int c, float value);
-    void SetBytes(int x, int y, uint8_t s0, uint8_t s1, uint8_t s2, uint8_t s3);
-    void SetFloats(int x, int y, float s0, float s1, float s2, float s3);
+    // Whether the format's samples are floats; Sample and SetSamples read and write them as such.
+    bool Floats() const;
+    double Sample(int x, int y, int c) const;
+    void SetSample(int x, int y, int c, double value);
+    void SetSamples(int x, int y, const std::vector<double>& samples);
+    // The same by meaning: blue, green, red, alpha, wherever the format keeps them.
+    void SetBgra(int x, int y, const std::vector<double>& bgra);
+    std::vector<double> Bgra(int x, int y) const;
 
     // Fills every pixel's samples (bytes or floats by the depth) from a pattern of the position.
     void FillPattern();

@@ -1,5 +1,8 @@
 #pragma once
 // Forcing the primitive layer's variant index in tests.
+#include <gtest/gtest.h>
+
+#include <string>
 #include <vector>
 
 #include "../primitives/ippCpu.h"
@@ -26,4 +29,15 @@ inline std::vector<int> RunnableVariantIndices()
     for (int index = 0; index <= highest; ++index)
         indices.push_back(index);
     return indices;
+}
+
+// Runs check() once at each variant index this processor can run.
+template <typename Check>
+void AtEveryIndex(Check check)
+{
+    for (int index : RunnableVariantIndices()) {
+        SCOPED_TRACE("variant index " + std::to_string(index));
+        ScopedVariantIndex variant(index);
+        check();
+    }
 }
