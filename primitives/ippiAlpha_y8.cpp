@@ -9,7 +9,9 @@
 //
 // A vector of four pixels is split into its even bytes (blue, red) and its odd bytes (green,
 // alpha), each byte in the high half of a 16-bit lane, so that no widening or packing is needed:
-// the even results move down a byte and the odd ones stay, and one byte blend joins them.
+// the even results move down a byte and the odd ones stay, and one byte blend joins them. The even
+// bytes reach the high halves by a second load one byte earlier, or, for a row's first four
+// pixels, whose byte before may not be readable, by a byte shift.
 #include <smmintrin.h>
 
 #include "ippdefs.h"
@@ -38,10 +40,16 @@ __m128i AlphaTimes257(__m128i pixels)
     return _mm_shuffle_epi8(pixels, _mm_setr_epi8(3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15));
 }
 
-// The products' (256 y + 1) factors for the even bytes.
-__m128i EvenFactors(__m128i pixels)
+// Four pixels, and the same bytes one place up, each even byte in the high half of its lane.
+struct Block {
+    __m128i pixels;
+    __m128i raised;
+};
+
+Block LoadBlock(const uint8_t* p, size_t x)
 {
-    return _mm_or_si128(_mm_slli_epi16(pixels, 8), _mm_set1_epi16(1));
+    const __m128i pixels = Load(p + 4 * x);
+    return {pixels, x == 0 ? _mm_slli_si128(pixels, 1) : Load(p + 4 * x - 1)};
 }
 
 // The same for the odd bytes, with 255 in place of alpha, so that alpha comes out as m(255 x) = x.
@@ -53,10 +61,11 @@ __m128i OddFactorsAlphaAsWhole(__m128i pixels)
                                                   static_cast<short>(0xff00), 0, static_cast<short>(0xff00), 0));
 }
 
-// A lane's result, in its high byte, as the (256 y + 1) factor of the next product.
-__m128i AsFactor(__m128i product)
+// The high byte of each lane as the (256 y + 1) factor of a product: even bytes from the raised
+// pixels, odd bytes from the pixels, or a result to be weighed again.
+__m128i AsFactor(__m128i highBytes)
 {
-    return _mm_blendv_epi8(_mm_set1_epi16(1), product, HighBytes());
+    return _mm_blendv_epi8(_mm_set1_epi16(1), highBytes, HighBytes());
 }
 
 // Even and odd lanes of results back to bytes in pixel order.
@@ -72,33 +81,33 @@ struct Halves {
     __m128i odd;
 };
 
-Halves Premultiplied(__m128i pixels)
+Halves Premultiplied(const Block& block)
 {
-    const __m128i alpha = AlphaTimes257(pixels);
-    return {_mm_mulhi_epu16(alpha, EvenFactors(pixels)), _mm_mulhi_epu16(alpha, OddFactorsAlphaAsWhole(pixels))};
+    const __m128i alpha = AlphaTimes257(block.pixels);
+    return {_mm_mulhi_epu16(alpha, AsFactor(block.raised)),
+            _mm_mulhi_epu16(alpha, OddFactorsAlphaAsWhole(block.pixels))};
 }
 
 // Over on straight colours: m(s1 a) + m((255 - a) m(s2 b)); alpha a + m((255 - a) b), the second
-// picture's alpha weighed as b itself. (255 - a) 257 is the complement of 257 a. The sum needs no
-// limit: it is at most m(255 a) + m((255 - a) 255) = 255. The first term is masked to its high byte
-// so that the second's low byte cannot carry into it.
-__m128i Over(__m128i first, __m128i second)
+// picture's alpha weighed as b itself. (255 - a) 257 is the complement of 257 a. The byte sum needs
+// no limit: it is at most m(255 a) + m((255 - a) 255) = 255.
+__m128i Over(const uint8_t* s1, const uint8_t* s2, size_t x)
 {
+    const Block first = LoadBlock(s1, x);
     const Halves mine = Premultiplied(first);
-    const Halves behind = Premultiplied(second);
-    const __m128i rest = _mm_xor_si128(AlphaTimes257(first), _mm_set1_epi8(-1));
-    const __m128i even = _mm_add_epi16(_mm_and_si128(mine.even, HighBytes()),
-                                       _mm_mulhi_epu16(rest, AsFactor(behind.even)));
-    const __m128i odd =
-        _mm_add_epi16(_mm_and_si128(mine.odd, HighBytes()), _mm_mulhi_epu16(rest, AsFactor(behind.odd)));
-    return Join(even, odd);
+    const Halves behind = Premultiplied(LoadBlock(s2, x));
+    const __m128i rest = _mm_xor_si128(AlphaTimes257(first.pixels), _mm_set1_epi8(-1));
+    const __m128i seen = Join(_mm_mulhi_epu16(rest, AsFactor(behind.even)), _mm_mulhi_epu16(rest, AsFactor(behind.odd)));
+    return _mm_add_epi8(Join(mine.even, mine.odd), seen);
 }
 
 // Over on premultiplied colours, alpha alike: s1 + m((255 - a) s2), limited to 255 by the saturating
 // add. Here the second picture's bytes take the 257 x side, spread by one shuffle each, and
 // 256 (255 - a) + 1 = 65281 - 256 a the other.
-__m128i OverPremul(__m128i first, __m128i second)
+__m128i OverPremul(const uint8_t* s1, const uint8_t* s2, size_t x)
 {
+    const __m128i first = Load(s1 + 4 * x);
+    const __m128i second = Load(s2 + 4 * x);
     const __m128i evenTimes257 =
         _mm_shuffle_epi8(second, _mm_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14));
     const __m128i oddTimes257 =
@@ -110,9 +119,9 @@ __m128i OverPremul(__m128i first, __m128i second)
     return _mm_adds_epu8(first, weighed);
 }
 
-__m128i Premultiply(__m128i pixels)
+__m128i Premultiply(const uint8_t* s, size_t x)
 {
-    const Halves weighed = Premultiplied(pixels);
+    const Halves weighed = Premultiplied(LoadBlock(s, x));
     return Join(weighed.even, weighed.odd);
 }
 
@@ -121,7 +130,7 @@ size_t Composite(const uint8_t* s1, const uint8_t* s2, uint8_t* d, size_t n, Rul
 {
     size_t x = 0;
     for (; x + 4 <= n; x += 4)
-        Store(d + 4 * x, rule(Load(s1 + 4 * x), Load(s2 + 4 * x)));
+        Store(d + 4 * x, rule(s1, s2, x));
     return x;
 }
 
@@ -142,6 +151,6 @@ void Sse41Rows::AlphaPremul(const uint8_t* s, uint8_t* d, size_t n)
 {
     size_t x = 0;
     for (; x + 4 <= n; x += 4)
-        Store(d + 4 * x, Premultiply(Load(s + 4 * x)));
+        Store(d + 4 * x, Premultiply(s, x));
     PlainRows::AlphaPremul(s + 4 * x, d + 4 * x, n - x);
 }
