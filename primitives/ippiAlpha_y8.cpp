@@ -46,13 +46,14 @@ struct Block {
     __m128i raised;
 };
 
-Block LoadBlock(const uint8_t* p, size_t x)
+Block LoadBlock(const uint8_t* p, bool rowStart)
 {
-    const __m128i pixels = Load(p + 4 * x);
-    return {pixels, x == 0 ? _mm_slli_si128(pixels, 1) : Load(p + 4 * x - 1)};
+    const __m128i pixels = Load(p);
+    return {pixels, rowStart ? _mm_slli_si128(pixels, 1) : Load(p - 1)};
 }
 
-// The same for the odd bytes, with 255 in place of alpha, so that alpha comes out as m(255 x) = x.
+// The (256 y + 1) factors of the odd bytes, with 255 in place of alpha, so that alpha comes out
+// as m(255 x) = x.
 __m128i OddFactorsAlphaAsWhole(__m128i pixels)
 {
     return _mm_blendv_epi8(_mm_setr_epi16(1, static_cast<short>(0xff01), 1, static_cast<short>(0xff01), 1,
@@ -91,23 +92,24 @@ Halves Premultiplied(const Block& block)
 // Over on straight colours: m(s1 a) + m((255 - a) m(s2 b)); alpha a + m((255 - a) b), the second
 // picture's alpha weighed as b itself. (255 - a) 257 is the complement of 257 a. The byte sum needs
 // no limit: it is at most m(255 a) + m((255 - a) 255) = 255.
-__m128i Over(const uint8_t* s1, const uint8_t* s2, size_t x)
+__m128i Over(const uint8_t* s1, const uint8_t* s2, bool rowStart)
 {
-    const Block first = LoadBlock(s1, x);
+    const Block first = LoadBlock(s1, rowStart);
     const Halves mine = Premultiplied(first);
-    const Halves behind = Premultiplied(LoadBlock(s2, x));
+    const Halves behind = Premultiplied(LoadBlock(s2, rowStart));
     const __m128i rest = _mm_xor_si128(AlphaTimes257(first.pixels), _mm_set1_epi8(-1));
-    const __m128i seen = Join(_mm_mulhi_epu16(rest, AsFactor(behind.even)), _mm_mulhi_epu16(rest, AsFactor(behind.odd)));
+    const __m128i seen =
+        Join(_mm_mulhi_epu16(rest, AsFactor(behind.even)), _mm_mulhi_epu16(rest, AsFactor(behind.odd)));
     return _mm_add_epi8(Join(mine.even, mine.odd), seen);
 }
 
 // Over on premultiplied colours, alpha alike: s1 + m((255 - a) s2), limited to 255 by the saturating
 // add. Here the second picture's bytes take the 257 x side, spread by one shuffle each, and
 // 256 (255 - a) + 1 = 65281 - 256 a the other.
-__m128i OverPremul(const uint8_t* s1, const uint8_t* s2, size_t x)
+__m128i OverPremul(const uint8_t* s1, const uint8_t* s2, bool)
 {
-    const __m128i first = Load(s1 + 4 * x);
-    const __m128i second = Load(s2 + 4 * x);
+    const __m128i first = Load(s1);
+    const __m128i second = Load(s2);
     const __m128i evenTimes257 =
         _mm_shuffle_epi8(second, _mm_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14));
     const __m128i oddTimes257 =
@@ -119,18 +121,29 @@ __m128i OverPremul(const uint8_t* s1, const uint8_t* s2, size_t x)
     return _mm_adds_epu8(first, weighed);
 }
 
-__m128i Premultiply(const uint8_t* s, size_t x)
+__m128i Premultiply(const uint8_t* s, const uint8_t*, bool rowStart)
 {
-    const Halves weighed = Premultiplied(LoadBlock(s, x));
+    const Halves weighed = Premultiplied(LoadBlock(s, rowStart));
     return Join(weighed.even, weighed.odd);
 }
 
+// A row's blocks of four pixels, two a step after the first, whose byte before lies outside the
+// row; gives the pixels done.
 template <typename Rule>
-size_t Composite(const uint8_t* s1, const uint8_t* s2, uint8_t* d, size_t n, Rule rule)
+size_t EachBlock(const uint8_t* s1, const uint8_t* s2, uint8_t* d, size_t n, Rule rule)
 {
-    size_t x = 0;
-    for (; x + 4 <= n; x += 4)
-        Store(d + 4 * x, rule(s1, s2, x));
+    if (n < 4)
+        return 0;
+    Store(d, rule(s1, s2, true));
+    size_t x = 4;
+    for (; x + 8 <= n; x += 8) {
+        Store(d + 4 * x, rule(s1 + 4 * x, s2 + 4 * x, false));
+        Store(d + 4 * x + 16, rule(s1 + 4 * x + 16, s2 + 4 * x + 16, false));
+    }
+    if (x + 4 <= n) {
+        Store(d + 4 * x, rule(s1 + 4 * x, s2 + 4 * x, false));
+        x += 4;
+    }
     return x;
 }
 
@@ -141,16 +154,14 @@ void Sse41Rows::AlphaComp(const uint8_t* s1, const uint8_t* s2, uint8_t* d, size
 {
     size_t done = 0;
     if (alphaType == ippAlphaOver)
-        done = Composite(s1, s2, d, n, Over);
+        done = EachBlock(s1, s2, d, n, Over);
     else if (alphaType == ippAlphaOverPremul)
-        done = Composite(s1, s2, d, n, OverPremul);
+        done = EachBlock(s1, s2, d, n, OverPremul);
     PlainRows::AlphaComp(s1 + 4 * done, s2 + 4 * done, d + 4 * done, n - done, alphaType);
 }
 
 void Sse41Rows::AlphaPremul(const uint8_t* s, uint8_t* d, size_t n)
 {
-    size_t x = 0;
-    for (; x + 4 <= n; x += 4)
-        Store(d + 4 * x, Premultiply(s, x));
-    PlainRows::AlphaPremul(s + 4 * x, d + 4 * x, n - x);
+    const size_t done = EachBlock(s, s, d, n, Premultiply);
+    PlainRows::AlphaPremul(s + 4 * done, d + 4 * done, n - done);
 }
