@@ -6,11 +6,6 @@
 
 namespace {
 
-__m128i Times(__m128i v, int factor)
-{
-    return _mm_mullo_epi32(v, _mm_set1_epi32(factor));
-}
-
 // The high 16 bits of each 32-bit lane of `even` and `odd`, as eight 16-bit lanes taken in turn
 // from the two: (x >> 16) for sums whose results fit 16 signed bits.
 __m128i HighHalves(__m128i even, __m128i odd)
@@ -20,27 +15,36 @@ __m128i HighHalves(__m128i even, __m128i odd)
 
 } // namespace
 
-// The even pixels of four pairs in one vector and the odd ones in another, so that the pairs'
-// chroma terms, worked out once a pair, add to both as they stand; the results' high halves then
-// interleave back into pixel order.
+// Products by 16-bit multiply-adds, their factors scaled by a byte multiply-add so that both fit
+// 16 signed bits: 76284 Y = 19071 (4 Y), 132186 Cb = 22031 (6 Cb), 104595 Cr = 20919 (5 Cr). Green's
+// chroma, whose 53281 has no such split, is -1901 Cr - 25690 (Cb + 2 Cr). The even pixels of four
+// pairs are in one vector and the odd ones in another, so that the pairs' chroma terms, worked out
+// once a pair, add to both as they stand; the results' high halves then interleave back into pixel
+// order. All sums are exact in 32 bits, as in the plain kernel.
 void Sse41Rows::YCbCr422ToBGR(const uint8_t* s, uint8_t* d, size_t n, uint8_t alphaValue)
 {
-    const __m128i takeEvenY = _mm_setr_epi8(0, -1, -1, -1, 4, -1, -1, -1, 8, -1, -1, -1, 12, -1, -1, -1);
-    const __m128i takeOddY = _mm_setr_epi8(2, -1, -1, -1, 6, -1, -1, -1, 10, -1, -1, -1, 14, -1, -1, -1);
-    const __m128i takeCb = _mm_setr_epi8(1, -1, -1, -1, 5, -1, -1, -1, 9, -1, -1, -1, 13, -1, -1, -1);
-    const __m128i takeCr = _mm_setr_epi8(3, -1, -1, -1, 7, -1, -1, -1, 11, -1, -1, -1, 15, -1, -1, -1);
+    const __m128i lumaTimes4 = _mm_setr_epi8(4, 0, 4, 0, 4, 0, 4, 0, 4, 0, 4, 0, 4, 0, 4, 0);
+    const __m128i evenLuma19071 = _mm_setr_epi16(19071, 0, 19071, 0, 19071, 0, 19071, 0);
+    const __m128i oddLuma19071 = _mm_setr_epi16(0, 19071, 0, 19071, 0, 19071, 0, 19071);
+    const __m128i cbTimes6CrTimes5 = _mm_setr_epi8(0, 6, 0, 5, 0, 6, 0, 5, 0, 6, 0, 5, 0, 6, 0, 5);
+    const __m128i blueFactors = _mm_setr_epi16(22031, 0, 22031, 0, 22031, 0, 22031, 0);
+    const __m128i redFactors = _mm_setr_epi16(0, 20919, 0, 20919, 0, 20919, 0, 20919);
+    // Bytes Cr, -, Cb, Cr of each pair, weighed 1, 0, 1, 2: lanes Cr and Cb + 2 Cr.
+    const __m128i greenBytes = _mm_setr_epi8(3, -1, 1, 3, 7, -1, 5, 7, 11, -1, 9, 11, 15, -1, 13, 15);
+    const __m128i greenWeights = _mm_setr_epi8(1, 0, 1, 2, 1, 0, 1, 2, 1, 0, 1, 2, 1, 0, 1, 2);
+    const __m128i greenFactors = _mm_setr_epi16(-1901, -25690, -1901, -25690, -1901, -25690, -1901, -25690);
     const __m128i alpha = _mm_set1_epi16(alphaValue);
     size_t x = 0;
     for (; x + 8 <= n; x += 8) {
         const __m128i packed = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + 2 * x));
-        const __m128i evenLuma = Times(_mm_shuffle_epi8(packed, takeEvenY), 76284);
-        const __m128i oddLuma = Times(_mm_shuffle_epi8(packed, takeOddY), 76284);
-        const __m128i cb = _mm_shuffle_epi8(packed, takeCb);
-        const __m128i cr = _mm_shuffle_epi8(packed, takeCr);
-        const __m128i blueChroma = _mm_add_epi32(Times(cb, 132186), _mm_set1_epi32(-18140365));
-        const __m128i greenChroma =
-            _mm_add_epi32(_mm_add_epi32(Times(cr, -53281), Times(cb, -25690)), _mm_set1_epi32(8887730));
-        const __m128i redChroma = _mm_add_epi32(Times(cr, 104595), _mm_set1_epi32(-14608761));
+        const __m128i luma = _mm_maddubs_epi16(packed, lumaTimes4);
+        const __m128i evenLuma = _mm_madd_epi16(luma, evenLuma19071);
+        const __m128i oddLuma = _mm_madd_epi16(luma, oddLuma19071);
+        const __m128i chroma = _mm_maddubs_epi16(packed, cbTimes6CrTimes5);
+        const __m128i blueChroma = _mm_add_epi32(_mm_madd_epi16(chroma, blueFactors), _mm_set1_epi32(-18140365));
+        const __m128i redChroma = _mm_add_epi32(_mm_madd_epi16(chroma, redFactors), _mm_set1_epi32(-14608761));
+        const __m128i greenPairs = _mm_maddubs_epi16(_mm_shuffle_epi8(packed, greenBytes), greenWeights);
+        const __m128i greenChroma = _mm_add_epi32(_mm_madd_epi16(greenPairs, greenFactors), _mm_set1_epi32(8887730));
         const __m128i blue =
             HighHalves(_mm_add_epi32(evenLuma, blueChroma), _mm_add_epi32(oddLuma, blueChroma));
         const __m128i green =

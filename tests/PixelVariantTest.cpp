@@ -138,6 +138,17 @@ std::vector<Member> Members()
                  return ippiAlphaComp_8u_AC4R(c.src1, c.src1Step, c.src2, c.src2Step, c.dst, c.dstStep, c.size,
                                               static_cast<IppiAlphaType>(type));
              }});
+    // In place, as the processors may call them: the SSE4.1 kernels read the byte before each block
+    // of four pixels, which the block before has already written.
+    members.push_back({"AlphaPremul_8u_AC4R in place", kNone, kNone, b4, false, 1, [](const Call& c) {
+                           return ippiAlphaPremul_8u_AC4R(c.dst, c.dstStep, c.dst, c.dstStep, c.size);
+                       }});
+    for (IppiAlphaType type : {ippAlphaOver, ippAlphaOverPremul})
+        members.push_back({"AlphaComp_8u_AC4R type " + std::to_string(type) + " onto its first picture", kNone, b4,
+                           b4, false, 1, [type](const Call& c) {
+                               return ippiAlphaComp_8u_AC4R(c.dst, c.dstStep, c.src2, c.src2Step, c.dst, c.dstStep,
+                                                            c.size, type);
+                           }});
     const int orders[][4] = {{3, 2, 1, 0}, {0, 0, 0, 0}, {2, 0, 3, 1}, {0, 1, 2, 3}};
     for (const auto& order : orders)
         members.push_back({"SwapChannels_8u_C4IR order " + std::to_string(order[0]) + std::to_string(order[1]) +
