@@ -7,7 +7,8 @@
 namespace {
 
 // A strip of this many bytes of each frame it touches stays in a second-level cache of 1 MB
-// beside the strips of two other frames.
+// beside the strips of two other frames. On 1080p frames, strips of 64 KB to 512 KB timed
+// alike; a row at a time lost to the cost of each call, a few megabytes to the cache.
 const int kStripBytes = 128 * 1024;
 
 // A frame over rows of `frame`, owning nothing.

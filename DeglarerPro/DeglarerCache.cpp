@@ -220,7 +220,8 @@ bool CDeglarer::RenderUsingCache(IVideoHost* host, FrameParams* source, FramePar
     // The picture half of step 11 rides on the measurement: each strip of the source goes into
     // the last-frame slot while it is still in cache. Nothing here reads that slot's picture, and
     // its record, which the decision reads, is written only where it always was.
-    const Intensities intensities = GetAverageIntensity(current, sourceFrame, PrepareLastFrameSlot(*cache, sourceFrame));
+    CFrame* lastFrameSlot = PrepareLastFrameSlot(*cache, sourceFrame);
+    const Intensities intensities = GetAverageIntensity(current, sourceFrame, lastFrameSlot);
     int lastIndex = GetLastFrameIndexFromCache(*cache);
     int goodIndex = GetLastGoodFrameIndexFromCache(*cache);
 
