@@ -26,6 +26,12 @@ public:
     T& UserData(unsigned int index);
 
     void SetFrame(CFrame& frame, unsigned int index, T* pInfo);
+    // SetFrame in two halves, for a caller that copies the picture in itself, a strip at a time:
+    // the slot made ready for `frame` (its memory reused when the size is unchanged), or null when
+    // nothing may be written: no storage, an index out of range, a frame without a buffer (the
+    // slot is then emptied, record and all) or no memory. The caller then fills the slot and
+    // stores the record through UserData.
+    CFrame* PrepareSlot(CFrame& frame, unsigned int index);
     void Reset(unsigned int index);
     void Release();
 
@@ -80,13 +86,24 @@ T& CEffectsLibCache<T>::UserData(unsigned int index)
 template <typename T>
 void CEffectsLibCache<T>::SetFrame(CFrame& frame, unsigned int index, T* pInfo)
 {
-    if (!HasStorage() || index >= m_nSlotCount)
+    CFrame* slot = PrepareSlot(frame, index);
+    if (slot == nullptr)
         return;
+    Processors::CCopy().Process(&frame, slot);
+    if (pInfo != nullptr)
+        m_UserData[index] = *pInfo;
+}
+
+template <typename T>
+CFrame* CEffectsLibCache<T>::PrepareSlot(CFrame& frame, unsigned int index)
+{
+    if (!HasStorage() || index >= m_nSlotCount)
+        return nullptr;
     CFrame& slot = m_FrameSlots[index];
     if (frame.m_pBuffer == nullptr) {
         slot.Clear();
         m_UserData[index] = T();
-        return;
+        return nullptr;
     }
     // A clip keeps one format and depth, so the same size means the slot's memory fits.
     const bool reusable = slot.m_pBuffer != nullptr && slot.m_nWidth == frame.m_nWidth &&
@@ -96,12 +113,10 @@ void CEffectsLibCache<T>::SetFrame(CFrame& frame, unsigned int index, T* pInfo)
         if (!slot.Init(frame.m_nWidth, frame.m_nHeight, frame.m_nDepth, nullptr, frame.m_pfPixelFormat,
                        frame.m_bFlipped)) {
             slot.Clear();
-            return;
+            return nullptr;
         }
     }
-    Processors::CCopy().Process(&frame, &slot);
-    if (pInfo != nullptr)
-        m_UserData[index] = *pInfo;
+    return &slot;
 }
 
 template <typename T>

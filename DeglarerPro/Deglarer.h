@@ -46,8 +46,10 @@ public:
     static std::map<uint32_t, boost::shared_ptr<FrameCaches>> m_FrameCachesPool;
 
     // The intensities of a frame in hand, remembered under `frameIndex` for this object's id;
-    // a frame already remembered isn't measured again.
-    Intensities GetAverageIntensity(int frameIndex, CFrame& frame);
+    // a frame already remembered isn't measured again. With a `copy`, the frame is also copied
+    // into it as Processors::CCopy would, each strip right after it is measured, so that the
+    // frame is read from memory once for both.
+    Intensities GetAverageIntensity(int frameIndex, CFrame& frame, CFrame* copy = nullptr);
     // The same for a frame by its index, fetched from the host only if it isn't remembered yet
     // and given back at once. Four -1.0, and nothing remembered, when the host gives no frame.
     Intensities GetAverageIntensity(int frameIndex, IVideoHost* host, RenderInfo* info, PixelFormat format);
@@ -74,8 +76,14 @@ private:
     boost::shared_ptr<FrameCache> GetCache() { return GetCache(m_lField.load(std::memory_order_relaxed)); }
     void BeginUsageCache(FrameCache& cache, IVideoHost* host);
     void EndUsageCache(FrameCache& cache);
-    void SaveLastFrameToCache(FrameCache& cache, CFrame& frame, int index, const Intensities& intensities);
+    // The last frame's picture goes into its slot with the measurement (PrepareLastFrameSlot);
+    // this stores its record, and only when the slot holds that picture.
+    CFrame* PrepareLastFrameSlot(FrameCache& cache, CFrame& frame);
+    void SaveLastFrameInfoToCache(FrameCache& cache, int index, const Intensities& intensities);
     void SaveLastGoodFrameToCache(FrameCache& cache, CFrame& frame, int index, const Intensities& intensities);
+    // A good frame's copy to the destination and into the last good frame's slot, in one pass.
+    void CopyOutAndSaveLastGoodFrame(FrameCache& cache, CFrame& frame, CFrame& destination, int index,
+                                     const Intensities& intensities);
     int GetLastFrameIndexFromCache(FrameCache& cache);
     int GetLastGoodFrameIndexFromCache(FrameCache& cache);
     Intensities GetLastFrameIntensitiesFromCache(FrameCache& cache);

@@ -6,6 +6,7 @@
 
 #include "../Common/Copy.h"
 #include "../Common/Frame.h"
+#include "../Common/FrameStrips.h"
 #include "../Common/MemoryAllocator.h"
 #include "../foundation/AssertBox.h"
 #include "../include/VideoHost.h"
@@ -87,12 +88,18 @@ void CDeglarer::EndUsageCache(FrameCache& cache)
     cache.Unlock();
 }
 
-void CDeglarer::SaveLastFrameToCache(FrameCache& cache, CFrame& frame, int index, const Intensities& intensities)
+CFrame* CDeglarer::PrepareLastFrameSlot(FrameCache& cache, CFrame& frame)
 {
-    if (CEffectsLibCache<FlashInfo>* current = CacheOfCurrentKey(cache)) {
-        FlashInfo info(index, intensities);
-        current->SetFrame(frame, kLastFrameSlot, &info);
-    }
+    CEffectsLibCache<FlashInfo>* current = CacheOfCurrentKey(cache);
+    return current != nullptr ? current->PrepareSlot(frame, kLastFrameSlot) : nullptr;
+}
+
+void CDeglarer::SaveLastFrameInfoToCache(FrameCache& cache, int index, const Intensities& intensities)
+{
+    // A slot that couldn't take the picture is empty and keeps its record, as SetFrame leaves it.
+    CEffectsLibCache<FlashInfo>* current = CacheOfCurrentKey(cache);
+    if (current != nullptr && current->GetFrame(kLastFrameSlot).m_pBuffer != nullptr)
+        current->UserData(kLastFrameSlot) = FlashInfo(index, intensities);
 }
 
 void CDeglarer::SaveLastGoodFrameToCache(FrameCache& cache, CFrame& frame, int index,
@@ -102,6 +109,20 @@ void CDeglarer::SaveLastGoodFrameToCache(FrameCache& cache, CFrame& frame, int i
         FlashInfo info(index, intensities);
         current->SetFrame(frame, kLastGoodFrameSlot, &info);
     }
+}
+
+void CDeglarer::CopyOutAndSaveLastGoodFrame(FrameCache& cache, CFrame& frame, CFrame& destination, int index,
+                                            const Intensities& intensities)
+{
+    CEffectsLibCache<FlashInfo>* current = CacheOfCurrentKey(cache);
+    CFrame* slot = current != nullptr ? current->PrepareSlot(frame, kLastGoodFrameSlot) : nullptr;
+    ForEachStrip(frame, [&](int firstRow, int rowCount) {
+        CopyStrip(frame, destination, firstRow, rowCount);
+        if (slot != nullptr)
+            CopyStrip(frame, *slot, firstRow, rowCount);
+    });
+    if (slot != nullptr)
+        current->UserData(kLastGoodFrameSlot) = FlashInfo(index, intensities);
 }
 
 int CDeglarer::GetLastFrameIndexFromCache(FrameCache& cache)
@@ -196,7 +217,11 @@ bool CDeglarer::RenderUsingCache(IVideoHost* host, FrameParams* source, FramePar
     destinationFrame.Init(destination);
     const int current = CurrentFrameIndex(*info);
 
-    const Intensities intensities = GetAverageIntensity(current, sourceFrame);
+    // The picture half of step 11 rides on the measurement: each strip of the source goes into
+    // the last-frame slot while it is still in cache. Nothing here reads that slot's picture, and
+    // its record, which the decision reads, is written only where it always was.
+    CFrame* lastFrameSlot = PrepareLastFrameSlot(*cache, sourceFrame);
+    const Intensities intensities = GetAverageIntensity(current, sourceFrame, lastFrameSlot);
     int lastIndex = GetLastFrameIndexFromCache(*cache);
     int goodIndex = GetLastGoodFrameIndexFromCache(*cache);
 
@@ -205,7 +230,7 @@ bool CDeglarer::RenderUsingCache(IVideoHost* host, FrameParams* source, FramePar
     const bool reset = current == 0 || IsCurrentPresetDiffersWithStoredInCache(*cache, host) || lastIndex < 0 ||
                        (lastIndex != current - 1 && lastIndex != current) || (goodIndex >= 0 && current < goodIndex);
     if (reset) {
-        SaveLastFrameToCache(*cache, sourceFrame, current, intensities);
+        SaveLastFrameInfoToCache(*cache, current, intensities);
         SaveLastGoodFrameToCache(*cache, sourceFrame, current, intensities);
         SaveCurrentPresetInCache(*cache, host);
         lastIndex = current;
@@ -228,14 +253,13 @@ bool CDeglarer::RenderUsingCache(IVideoHost* host, FrameParams* source, FramePar
             fall = fall || RelativeChangeExceeds(last.fBand[band], intensities.fBand[band], parameters.threshold);
     }
 
-    SaveLastFrameToCache(*cache, sourceFrame, current, intensities);
+    SaveLastFrameInfoToCache(*cache, current, intensities);
 
     const bool flashed = rise || (!fall && lastIndex != goodIndex && !nearGood && current - goodIndex <= kLongestWait);
     Processors::CCopy copy;
     if (!flashed) {
         if (bright) {
-            copy.Process(&sourceFrame, &destinationFrame);
-            SaveLastGoodFrameToCache(*cache, sourceFrame, current, intensities);
+            CopyOutAndSaveLastGoodFrame(*cache, sourceFrame, destinationFrame, current, intensities);
         } else {
             DropCache(*cache);   // a dark frame empties the memory
             copy.Process(&sourceFrame, &destinationFrame);

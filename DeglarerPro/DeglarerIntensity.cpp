@@ -1,6 +1,7 @@
 #include <mutex>
 
 #include "../Common/Frame.h"
+#include "../Common/FrameStrips.h"
 #include "../include/VideoHost.h"
 #include "Deglarer.h"
 #include "HostFrame.h"
@@ -35,12 +36,20 @@ Intensities StoreIntensities(uint32_t id, int frameIndex, const Intensities& mea
 
 } // namespace
 
-Intensities CDeglarer::GetAverageIntensity(int frameIndex, CFrame& frame)
+Intensities CDeglarer::GetAverageIntensity(int frameIndex, CFrame& frame, CFrame* copy)
 {
     Intensities known;
-    if (FindIntensities(m_uId, frameIndex, &known))
+    const bool remembered = FindIntensities(m_uId, frameIndex, &known);
+    if (remembered && copy == nullptr)
         return known;
-    return StoreIntensities(m_uId, frameIndex, MeasureFrameIntensities(frame));
+    CFrameIntensityMeasure measure(frame);
+    ForEachStrip(frame, [&](int firstRow, int rowCount) {
+        if (!remembered)
+            measure.MeasureRowsBefore(firstRow + rowCount);
+        if (copy != nullptr)
+            CopyStrip(frame, *copy, firstRow, rowCount);
+    });
+    return remembered ? known : StoreIntensities(m_uId, frameIndex, measure.Result());
 }
 
 Intensities CDeglarer::GetAverageIntensity(int frameIndex, IVideoHost* host, RenderInfo* info, PixelFormat format)

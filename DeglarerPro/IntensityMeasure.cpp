@@ -1,5 +1,6 @@
 #include "IntensityMeasure.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -17,25 +18,46 @@ bool Measurable(const void* pixels, int pixelSpan, int width, int height)
 
 // Rows are summed first, then weighted once per row and band: the same figures as weighting
 // each pixel, since a row's pixels share their weights.
+void AddWeightedRow(double sums[kIntensityBands], int row, int height, double luminance)
+{
+    double weights[kIntensityBands];
+    BandWeights(row, height / 4, height, weights);
+    for (int band = 0; band < kIntensityBands; ++band)
+        if (weights[band] != 0.0)
+            sums[band] += luminance * weights[band];
+}
+
+Intensities BandAverages(const double sums[kIntensityBands], int width, int height)
+{
+    const int quarter = height / 4;
+    const double edgeBandWeight = 1.5 * width * quarter;
+    const double innerBandWeight = 2.0 * width * quarter;
+    return Intensities{{static_cast<float>(sums[0] / edgeBandWeight), static_cast<float>(sums[1] / innerBandWeight),
+                        static_cast<float>(sums[2] / innerBandWeight), static_cast<float>(sums[3] / edgeBandWeight)}};
+}
+
 template <class Pixel, class RowSum>
 Intensities Measure(const Pixel* pixels, int pixelSpan, int width, int height, RowSum rowSum)
 {
     if (!Measurable(pixels, pixelSpan, width, height))
         return Intensities::Zero();
-    const int quarter = height / 4;
     double sums[kIntensityBands] = {0.0, 0.0, 0.0, 0.0};
-    for (int row = 0; row < height; ++row) {
-        const double luminance = static_cast<double>(rowSum(pixels + static_cast<ptrdiff_t>(row) * pixelSpan, width));
-        double weights[kIntensityBands];
-        BandWeights(row, quarter, height, weights);
-        for (int band = 0; band < kIntensityBands; ++band)
-            if (weights[band] != 0.0)
-                sums[band] += luminance * weights[band];
+    for (int row = 0; row < height; ++row)
+        AddWeightedRow(sums, row, height,
+                       static_cast<double>(rowSum(pixels + static_cast<ptrdiff_t>(row) * pixelSpan, width)));
+    return BandAverages(sums, width, height);
+}
+
+// The formats that are measured, each with the pixel size that its rows are read with.
+bool KnownFormatAndDepth(const CFrame& frame)
+{
+    switch (frame.m_pfPixelFormat) {
+    case pfVideoSample: return frame.m_nDepth == static_cast<int>(sizeof(VideoSample));
+    case pfVideoSampleSwapped: return frame.m_nDepth == static_cast<int>(sizeof(VideoSampleSwapped));
+    case pfVideoSampleFloat: return frame.m_nDepth == static_cast<int>(sizeof(VideoSampleFloat));
+    case pfVideoSampleSwappedFloat: return frame.m_nDepth == static_cast<int>(sizeof(VideoSampleSwappedFloat));
+    default: return false;
     }
-    const double edgeBandWeight = 1.5 * width * quarter;
-    const double innerBandWeight = 2.0 * width * quarter;
-    return Intensities{{static_cast<float>(sums[0] / edgeBandWeight), static_cast<float>(sums[1] / innerBandWeight),
-                        static_cast<float>(sums[2] / innerBandWeight), static_cast<float>(sums[3] / edgeBandWeight)}};
 }
 
 template <class Pixel>
@@ -127,29 +149,53 @@ Intensities getAverageIntensity32f(const VideoSampleSwappedFloat* pixels, int pi
 
 Intensities MeasureFrameIntensities(const CFrame& frame)
 {
-    const int span = frame.m_nPixelSpan;
-    const int width = frame.m_nWidth;
-    const int height = frame.m_nHeight;
-    const int depth = frame.m_nDepth;
-    switch (frame.m_pfPixelFormat) {
-    case pfVideoSample:
-        if (depth != static_cast<int>(sizeof(VideoSample)))
-            break;
-        return ScaledFromBytes(getAverageIntensity8u(PixelsOf<VideoSample>(frame), span, width, height));
-    case pfVideoSampleSwapped:
-        if (depth != static_cast<int>(sizeof(VideoSampleSwapped)))
-            break;
-        return ScaledFromBytes(getAverageIntensity8u(PixelsOf<VideoSampleSwapped>(frame), span, width, height));
-    case pfVideoSampleFloat:
-        if (depth != static_cast<int>(sizeof(VideoSampleFloat)))
-            break;
-        return getAverageIntensity32f(PixelsOf<VideoSampleFloat>(frame), span, width, height);
-    case pfVideoSampleSwappedFloat:
-        if (depth != static_cast<int>(sizeof(VideoSampleSwappedFloat)))
-            break;
-        return getAverageIntensity32f(PixelsOf<VideoSampleSwappedFloat>(frame), span, width, height);
-    default:
-        break;
+    CFrameIntensityMeasure measure(frame);
+    measure.MeasureRowsBefore(frame.m_nHeight);
+    return measure.Result();
+}
+
+CFrameIntensityMeasure::CFrameIntensityMeasure(const CFrame& frame)
+    : CFrameIntensityMeasure(frame, ChosenLuminanceRowKernels())
+{
+}
+
+CFrameIntensityMeasure::CFrameIntensityMeasure(const CFrame& frame, const LuminanceRowKernels& kernels)
+    : m_Frame(frame), m_Kernels(kernels),
+      m_bMeasurable(KnownFormatAndDepth(frame) &&
+                    Measurable(frame.m_pBuffer, frame.m_nPixelSpan, frame.m_nWidth, frame.m_nHeight)),
+      m_nNextRow(0), m_dSums{0.0, 0.0, 0.0, 0.0}
+{
+}
+
+void CFrameIntensityMeasure::MeasureRowsBefore(int endRow)
+{
+    if (!m_bMeasurable)
+        return;
+    switch (m_Frame.m_pfPixelFormat) {
+    case pfVideoSample: AddRows<VideoSample>(m_Kernels.sum8u, endRow); break;
+    case pfVideoSampleSwapped: AddRows<VideoSampleSwapped>(m_Kernels.sum8uSwapped, endRow); break;
+    case pfVideoSampleFloat: AddRows<VideoSampleFloat>(m_Kernels.sum32f, endRow); break;
+    case pfVideoSampleSwappedFloat: AddRows<VideoSampleSwappedFloat>(m_Kernels.sum32fSwapped, endRow); break;
+    default: break;
     }
-    return Intensities::Zero();
+}
+
+template <class Pixel, class RowSum>
+void CFrameIntensityMeasure::AddRows(RowSum rowSum, int endRow)
+{
+    const Pixel* pixels = PixelsOf<Pixel>(m_Frame);
+    const int lastRow = std::min(endRow, m_Frame.m_nHeight);
+    for (; m_nNextRow < lastRow; ++m_nNextRow) {
+        const Pixel* row = pixels + static_cast<ptrdiff_t>(m_nNextRow) * m_Frame.m_nPixelSpan;
+        AddWeightedRow(m_dSums, m_nNextRow, m_Frame.m_nHeight, static_cast<double>(rowSum(row, m_Frame.m_nWidth)));
+    }
+}
+
+Intensities CFrameIntensityMeasure::Result() const
+{
+    if (!m_bMeasurable)
+        return Intensities::Zero();
+    const Intensities figures = BandAverages(m_dSums, m_Frame.m_nWidth, m_Frame.m_nHeight);
+    const bool bytes = m_Frame.m_pfPixelFormat == pfVideoSample || m_Frame.m_pfPixelFormat == pfVideoSampleSwapped;
+    return bytes ? ScaledFromBytes(figures) : figures;
 }

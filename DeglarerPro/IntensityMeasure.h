@@ -34,3 +34,28 @@ Intensities getAverageIntensity32f(const VideoSampleSwappedFloat* pixels, int pi
 // 0..1 by 255, formats 3 and 4 in the frame's own scale, any other format (or a frame whose
 // depth doesn't match its format) four zeros with no pixel read.
 Intensities MeasureFrameIntensities(const CFrame& frame);
+
+// MeasureFrameIntensities taken a strip of rows at a time, top row first, for a caller that does
+// more with each strip while it is still in the processor's cache. Every row is added once and
+// in order, as a whole frame adds it, so the figures are the same bit for bit however the rows
+// are split. The frame must outlive the measure.
+class CFrameIntensityMeasure {
+public:
+    explicit CFrameIntensityMeasure(const CFrame& frame);
+    CFrameIntensityMeasure(const CFrame& frame, const LuminanceRowKernels& kernels);
+
+    // Adds the rows from where the last call stopped up to, not including, `endRow`.
+    void MeasureRowsBefore(int endRow);
+    // The figures, once every row has been added.
+    Intensities Result() const;
+
+private:
+    template <class Pixel, class RowSum>
+    void AddRows(RowSum rowSum, int endRow);
+
+    const CFrame& m_Frame;
+    const LuminanceRowKernels& m_Kernels;
+    bool m_bMeasurable;
+    int m_nNextRow;
+    double m_dSums[kIntensityBands];
+};

@@ -1,0 +1,246 @@
+// The sequential path walks its frames in strips of rows: a measure and a copy into the memory in
+// one pass, the output and the last good frame in another. These tests break what strips can get
+// wrong and whole frames can't: a last strip shorter than the others, rows measured twice or out
+// of order, spans wider than a row, pixels of 16 bytes, and slots filled apart from their records.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "../Common/Copy.h"
+#include "../Common/FrameStrips.h"
+#include "../DeglarerPro/Deglarer.h"
+#include "../DeglarerPro/IntensityMeasure.h"
+#include "../DeglarerPro/LuminanceRows.h"
+#include "../host/Clip.h"
+#include "../host/InProcessHost.h"
+#include "FreshEffectId.h"
+
+namespace {
+
+using TestHost::Clip;
+using TestHost::InProcessHost;
+using TestHost::Picture;
+
+::testing::AssertionResult SameBits(const Intensities& expected, const Intensities& actual)
+{
+    if (std::memcmp(&expected, &actual, sizeof expected) == 0)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "expected {" << expected.fBand[0] << ", " << expected.fBand[1] << ", "
+                                         << expected.fBand[2] << ", " << expected.fBand[3] << "} got {"
+                                         << actual.fBand[0] << ", " << actual.fBand[1] << ", " << actual.fBand[2]
+                                         << ", " << actual.fBand[3] << "}";
+}
+
+// Random bytes; float formats get random channel values in 0..1 so the figures mean something.
+void FillRandom(std::vector<uint8_t>& bytes, PixelFormat format, std::mt19937& random)
+{
+    if (format == pfVideoSampleFloat || format == pfVideoSampleSwappedFloat) {
+        std::uniform_real_distribution<float> channel(0.0f, 1.0f);
+        for (size_t i = 0; i + sizeof(float) <= bytes.size(); i += sizeof(float)) {
+            const float value = channel(random);
+            std::memcpy(&bytes[i], &value, sizeof value);
+        }
+    } else {
+        for (uint8_t& byte : bytes)
+            byte = static_cast<uint8_t>(random());
+    }
+}
+
+struct Shape {
+    int width, height, byteSpan;
+};
+
+// A picture in memory of its own, with the frame over it. Random rows follow the frame's last one:
+// a write past the frame shows there.
+struct Owned {
+    static const int kRowsBeyond = 40;
+
+    Owned(const Shape& shape, PixelFormat format, std::mt19937& random)
+        : bytes(static_cast<size_t>(shape.byteSpan) * (shape.height + kRowsBeyond))
+    {
+        FillRandom(bytes, format, random);
+        frame.Init(bytes.data(), shape.width, shape.height, shape.byteSpan, TestHost::BytesPerPixel(format), format,
+                   false);
+    }
+    std::vector<uint8_t> bytes;
+    CFrame frame;
+};
+
+TEST(FrameStrips, CopyingStripByStripGivesTheBytesOfOneCopy)
+{
+    struct Case {
+        PixelFormat format;
+        Shape source, destination;
+    };
+    // Rows of 4000 and 16000 bytes make strips of 32 and 8 rows; heights leave a short last strip.
+    const Case cases[] = {
+        {pfVideoSample, {1000, 100, 4000}, {1000, 100, 4000}},
+        {pfVideoSampleSwapped, {1000, 101, 4012}, {1003, 101, 4040}},
+        {pfVideoSample, {1000, 100, 4000}, {900, 45, 3600}},      // destination shorter and narrower
+        {pfVideoSample, {990, 40, 3960}, {1000, 100, 4000}},      // destination taller
+        {pfVideoSampleFloat, {1000, 30, 16000}, {1000, 30, 16016}},
+        {pfVideoSampleSwappedFloat, {1000, 17, 16000}, {500, 9, 8000}},
+        {pfMono8, {1000, 300, 1000}, {1000, 300, 1000}},
+        {pfMonoFloat, {1000, 70, 4000}, {999, 70, 4000}},
+    };
+    std::mt19937 random(71);
+    for (const Case& c : cases) {
+        Owned source(c.source, c.format, random);
+        Owned stripped(c.destination, c.format, random);
+        std::vector<uint8_t> whole = stripped.bytes;
+        CFrame wholeFrame;
+        wholeFrame.Init(whole.data(), c.destination.width, c.destination.height, c.destination.byteSpan,
+                        stripped.frame.m_nDepth, c.format, false);
+        ASSERT_LT(RowsPerStrip(source.frame), c.source.height) << "the case must take several strips";
+
+        Processors::CCopy().Process(&source.frame, &wholeFrame);
+        int rowsVisited = 0;
+        ForEachStrip(source.frame, [&](int firstRow, int rowCount) {
+            EXPECT_EQ(firstRow, rowsVisited);
+            rowsVisited += rowCount;
+            CopyStrip(source.frame, stripped.frame, firstRow, rowCount);
+        });
+        EXPECT_EQ(rowsVisited, c.source.height);
+        EXPECT_EQ(stripped.bytes, whole) << "format " << c.format << ", source " << c.source.width << "x"
+                                         << c.source.height << ", destination " << c.destination.width << "x"
+                                         << c.destination.height;
+    }
+}
+
+// The pointer entries add the rows of the whole picture in one loop; the strip measure must agree
+// with them bit for bit, with every kernel set, however its rows are handed in.
+Intensities WholePicture(const CFrame& frame, const LuminanceRowKernels& kernels)
+{
+    const int span = frame.m_nPixelSpan, width = frame.m_nWidth, height = frame.m_nHeight;
+    const auto scaled = [](Intensities figures) {
+        for (float& band : figures.fBand)
+            band /= 255.0f;
+        return figures;
+    };
+    switch (frame.m_pfPixelFormat) {
+    case pfVideoSample:
+        return scaled(getAverageIntensity8u(reinterpret_cast<const VideoSample*>(frame.m_pBuffer), span, width,
+                                            height, kernels));
+    case pfVideoSampleSwapped:
+        return scaled(getAverageIntensity8u(reinterpret_cast<const VideoSampleSwapped*>(frame.m_pBuffer), span,
+                                            width, height, kernels));
+    case pfVideoSampleFloat:
+        return getAverageIntensity32f(reinterpret_cast<const VideoSampleFloat*>(frame.m_pBuffer), span, width, height,
+                                      kernels);
+    default:
+        return getAverageIntensity32f(reinterpret_cast<const VideoSampleSwappedFloat*>(frame.m_pBuffer), span, width,
+                                      height, kernels);
+    }
+}
+
+TEST(IntensityMeasure, StripsGiveTheWholePictureFiguresBitForBit)
+{
+    const PixelFormat formats[] = {pfVideoSample, pfVideoSampleSwapped, pfVideoSampleFloat, pfVideoSampleSwappedFloat};
+    // Heights on and off a multiple of 4 (the band quarters) and of every strip height below.
+    const Shape shapes[] = {{37, 4, 37}, {61, 23, 64}, {128, 97, 131}, {17, 1080, 17}};
+    const int stripHeights[] = {1, 3, 7, 64, 5000};
+    std::mt19937 random(5);
+    for (PixelFormat format : formats)
+        for (Shape shape : shapes) {
+            const int depth = TestHost::BytesPerPixel(format);
+            shape.byteSpan *= depth;
+            Owned picture(shape, format, random);
+            for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels()) {
+                const Intensities expected = WholePicture(picture.frame, *kernels);
+                for (int rows : stripHeights) {
+                    CFrameIntensityMeasure measure(picture.frame, *kernels);
+                    for (int endRow = rows; endRow < shape.height + rows; endRow += rows) {
+                        measure.MeasureRowsBefore(endRow);
+                        measure.MeasureRowsBefore(endRow);   // rows already added aren't added again
+                    }
+                    EXPECT_TRUE(SameBits(expected, measure.Result()))
+                        << kernels->name << " format " << format << " " << shape.width << "x" << shape.height
+                        << " strips of " << rows;
+                }
+            }
+        }
+}
+
+// The sequential memory as the tests see it: the cache of host instance 1, field 1.
+CEffectsLibCache<FlashInfo>* MemoryOf(unsigned int effectId)
+{
+    FrameCache& wrapper = *CDeglarer::m_FrameCachesPool.at(effectId)->m_pField1;
+    for (const CacheInfo<FlashInfo>& entry : wrapper.m_Caches)
+        if (entry.m_nKey == 1)
+            return entry.m_pCache;
+    return nullptr;
+}
+
+::testing::AssertionResult SlotHolds(CEffectsLibCache<FlashInfo>& memory, uint32_t slot, Clip& clip, int index)
+{
+    const CFrame& picture = memory.GetFrame(slot);
+    const FlashInfo& record = memory.UserData(slot);
+    if (picture.m_pBuffer == nullptr || picture.m_nWidth != clip.Width() || picture.m_nHeight != clip.Height())
+        return ::testing::AssertionFailure() << "slot " << slot << " has no picture of the clip's size";
+    const size_t rowBytes = static_cast<size_t>(clip.Width()) * clip.Depth();
+    for (int y = 0; y < clip.Height(); ++y)
+        if (std::memcmp(picture.m_pBuffer + static_cast<size_t>(y) * picture.m_nByteSpan,
+                        clip.Frame(index) + static_cast<size_t>(y) * clip.ByteSpan(), rowBytes) != 0)
+            return ::testing::AssertionFailure() << "slot " << slot << " row " << y << " isn't frame " << index;
+    if (record.m_nFrameIndex != index)
+        return ::testing::AssertionFailure() << "slot " << slot << " records frame " << record.m_nFrameIndex;
+    CFrame frame;
+    frame.Init(clip.Frame(index), clip.Width(), clip.Height(), clip.ByteSpan(), clip.Depth(), clip.Format(), false);
+    return SameBits(MeasureFrameIntensities(frame), record.m_Intensities);
+}
+
+TEST(SequentialRender, StripsFillTheSlotsWithTheWholeFramesAndTheirRecords)
+{
+    struct Case {
+        PixelFormat format;
+        int width, height, byteSpan;
+    };
+    // Several strips each, a short last one, and rows wider than their pixels.
+    const Case cases[] = {
+        {pfVideoSample, 700, 203, 0},
+        {pfVideoSampleSwapped, 700, 101, 700 * 4 + 52},
+        {pfVideoSampleFloat, 300, 97, 0},
+        {pfVideoSampleSwappedFloat, 300, 61, 300 * 16 + 32},
+    };
+    // Frame 4 is a one-frame flash: it is remembered as the last frame but not as a good one.
+    const float levels[] = {0.4f, 0.4f, 0.4f, 0.4f, 0.8f, 0.4f};
+    std::mt19937 random(12);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(::testing::Message() << "format " << c.format << " " << c.width << "x" << c.height);
+        Clip clip(c.width, c.height, c.format, 6, 25.0, c.byteSpan);
+        for (int index = 0; index < clip.FrameCount(); ++index) {
+            clip.Fill(index, levels[index], levels[index], levels[index]);
+            // A dim speck in a random spot of every row tells the frames and their rows apart.
+            uint8_t* frame = clip.Frame(index);
+            for (int y = 0; y < c.height; ++y)
+                frame[static_cast<size_t>(y) * clip.ByteSpan() + random() % (c.width * clip.Depth())] ^= 0x01;
+        }
+        InProcessHost::Options options;
+        options.timeAccess = false;
+        InProcessHost host(clip, options);
+        CDeglarer effect;
+        const unsigned int id = FreshEffectId();
+        effect.SetId(id);
+
+        // The step back to frame 2 resets the memory with a frame whose figures are already known,
+        // so the picture goes into the slots without a measure.
+        struct Step {
+            int index, output, good;
+        };
+        const Step steps[] = {{0, 0, 0}, {1, 1, 1}, {2, 2, 2}, {3, 3, 3}, {4, 3, 3}, {5, 5, 5}, {2, 2, 2}};
+        for (const Step& step : steps) {
+            Picture output(c.width, c.height, c.format);
+            FrameParams destination = output.Params();
+            ASSERT_TRUE(host.RenderFrame(&effect, step.index, &destination));
+            EXPECT_TRUE(output.SameAs(clip, step.output)) << "output of frame " << step.index;
+            CEffectsLibCache<FlashInfo>* memory = MemoryOf(id);
+            ASSERT_NE(memory, nullptr);
+            EXPECT_TRUE(SlotHolds(*memory, 0, clip, step.index)) << "after frame " << step.index;
+            EXPECT_TRUE(SlotHolds(*memory, 1, clip, step.good)) << "after frame " << step.index;
+        }
+    }
+}
+
+} // namespace
