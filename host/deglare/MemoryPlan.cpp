@@ -35,6 +35,7 @@ MemoryPlan PlanMemory(size_t budget, size_t frameBytes, size_t pictureBytes, siz
     }
     plan.windowFrames = window;
     plan.keepBehind = std::clamp(window / 4, kLeastBehind, kMostBehind);
+    plan.decodeAhead = std::min(threads + kLeastAhead, window - plan.keepBehind);
     plan.plannedBytes = fixedBytes + window * frameBytes;
     return plan;
 }

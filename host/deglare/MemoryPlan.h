@@ -9,6 +9,7 @@ namespace Deglare {
 struct MemoryPlan {
     int windowFrames = 0;       // frames decoded ahead of and kept behind the render position
     int keepBehind = 0;         // of them, frames kept behind the oldest render in progress
+    int decodeAhead = 0;        // frames decoded past the oldest render before any request asks
     int pendingFrames = 0;      // outcomes rendered and not yet encoded
     int farFrames = 0;          // frames kept by the far reader
     size_t plannedBytes = 0;    // the most the plan can hold

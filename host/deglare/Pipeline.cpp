@@ -59,6 +59,7 @@ private:
     void Record(const FrameOutcome& outcome);
     void WatchForInterruption();
 
+    DecodedFrame::Keep OriginalsKept() const;
     void Fail(std::exception_ptr failure);
     void CancelAll();
     void JoinAll();
@@ -147,6 +148,12 @@ void Run::StartOutput()
     m_muxer->Start(format);
 }
 
+// Only an encoding run needs the decoded pictures once the effect's pictures are made.
+DecodedFrame::Keep Run::OriginalsKept() const
+{
+    return m_settings.analyze ? DecodedFrame::Keep::UntilConverted : DecodedFrame::Keep::ForEncoding;
+}
+
 void Run::Fail(std::exception_ptr failure)
 {
     {
@@ -177,6 +184,7 @@ void Run::Decode()
             });
         }
         reader.SetDamageReport([this](const std::string& text) { m_console.Warn(text); });
+        reader.SetKeep(OriginalsKept());
         while (FramePtr frame = reader.Next())
             if (!m_window->Push(std::move(frame)))
                 break;
@@ -290,8 +298,9 @@ RunResult Run::Execute()
 
     if (!m_settings.sequential)
         m_farFrames = std::make_unique<RandomAccessReader>(m_settings.input, m_index, m_settings.encoder.threads,
-                                                           m_plan.farFrames);
-    m_window = std::make_unique<FrameWindow>(m_plan.windowFrames, m_plan.keepBehind, m_farFrames.get());
+                                                           m_plan.farFrames, OriginalsKept());
+    m_window = std::make_unique<FrameWindow>(m_plan.windowFrames, m_plan.keepBehind, m_farFrames.get(),
+                                             m_plan.decodeAhead);
     m_queue = std::make_unique<OutcomeQueue>(m_plan.pendingFrames);
     EffectSettings normal = m_settings.effect;
     normal.testMode = false;
