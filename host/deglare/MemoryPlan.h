@@ -17,7 +17,9 @@ struct MemoryPlan {
 };
 
 // `frameBytes`: a decoded frame with its BGRA picture; `pictureBytes`: one BGRA picture;
-// `outcomeBytes`: what an outcome waiting to be encoded holds.
-MemoryPlan PlanMemory(size_t budget, size_t frameBytes, size_t pictureBytes, size_t outcomeBytes, int renderThreads);
+// `outcomeBytes`: what an outcome waiting to be encoded holds; `maxFrames`: the "Max Frames"
+// the effect decodes, which bounds how far behind a frame its substitute can lie.
+MemoryPlan PlanMemory(size_t budget, size_t frameBytes, size_t pictureBytes, size_t outcomeBytes, int renderThreads,
+                      int maxFrames = 10);
 
 } // namespace Deglare

@@ -19,6 +19,7 @@
 #include "OutputMuxer.h"
 #include "Progress.h"
 #include "RandomAccessReader.h"
+#include "SliderPositions.h"
 #include "StreamHost.h"
 #include "TemporaryOutput.h"
 #include "VideoEncoder.h"
@@ -123,7 +124,8 @@ void Run::Prepare()
     const size_t frameBytes = DecodedFrame::BytesFor(m_shape.width, m_shape.height, format);
     const size_t pictureBytes = Picture::BytesFor(m_shape.width, m_shape.height);
     const size_t outcomeBytes = m_settings.effect.testMode ? frameBytes : frameBytes - pictureBytes;
-    m_plan = PlanMemory(m_settings.memoryBudget, frameBytes, pictureBytes, outcomeBytes, m_renderThreads);
+    m_plan = PlanMemory(m_settings.memoryBudget, frameBytes, pictureBytes, outcomeBytes, m_renderThreads,
+                        DecodedMaxFrames(m_settings.effect.maxFramesPosition));
     if (m_plan.raised)
         m_console.Warn("--memory is too small for " + std::to_string(m_shape.width) + "x" +
                        std::to_string(m_shape.height) + " video; using " +
