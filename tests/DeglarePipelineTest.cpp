@@ -19,23 +19,13 @@ using namespace DeglareTest;
 
 const int kFrames = 30;
 
-std::vector<float> SteadyLevels(int count)
-{
-    std::vector<float> levels;
-    for (int index = 0; index < count; ++index)
-        levels.push_back(0.40f + 0.01f * (index % 3));
-    return levels;
-}
-
 class PipelineTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
         ClipRecipe recipe;
-        recipe.frameCount = kFrames;
         recipe.audio = true;
-        input = folder.Path("input.mkv");
-        WriteClip(input, recipe, Scene(SteadyLevels(kFrames)));
+        input = WriteSteadyClip(folder.Path("input.mkv"), kFrames, recipe);
         settings.input = input;
         settings.output = folder.Path("output.mkv");
         settings.encoder.codec = "ffv1";
