@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <random>
 #include <sstream>
 #include <thread>
@@ -105,6 +106,31 @@ TEST(DeglareThreads, WindowServesEveryRequestWhileFramesFlowInOrder)
     EXPECT_EQ(wrongFrames.load(), 0);
     EXPECT_EQ(missingFrames.load(), 0);
     EXPECT_GT(far.requests.load(), 0);
+}
+
+// Unasked, the decoder stays a few frames ahead of the oldest frame in use; a request further
+// ahead within reach lets it on as far as that frame.
+TEST(DeglareThreads, DecoderRunsAheadOnlyAsFarAsAsked)
+{
+    const int decodeAhead = 4;
+    FrameWindow window(32, 2, nullptr, decodeAhead);
+    std::atomic<int> pushed{0};
+    std::thread decoder([&] {
+        for (int index = 0; index < 20; ++index) {
+            if (!window.Push(MakeFrame(index)))
+                return;
+            ++pushed;
+        }
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(pushed.load(), decodeAhead);
+    FramePtr asked = window.Frame(9);
+    ASSERT_NE(asked, nullptr);
+    EXPECT_EQ(asked->Index(), 9);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(pushed.load(), 10);
+    window.Cancel();
+    decoder.join();
 }
 
 TEST(DeglareThreads, CancelReleasesEveryWaiter)

@@ -2,16 +2,16 @@
 // clips generated with FFmpeg's libraries and read back frame by frame.
 #include <gtest/gtest.h>
 
+#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <sstream>
 
 #include <cairo.h>
 #include <nlohmann/json.hpp>
-#include <signal.h>
-#include <sstream>
 
 #include "DeglareTestSupport.h"
 
@@ -19,78 +19,51 @@ namespace {
 
 using namespace Deglare;
 using namespace DeglareTest;
+namespace fs = std::filesystem;
 
-std::vector<float> Steady(int count)
-{
-    std::vector<float> levels;
-    for (int index = 0; index < count; ++index)
-        levels.push_back(0.40f + 0.01f * (index % 3));
-    return levels;
-}
-
-void ExpectSameTimestamps(const ReadClip& after, const ReadClip& before)
-{
-    ASSERT_EQ(after.frames.size(), before.frames.size());
-    for (size_t index = 0; index < before.frames.size(); ++index)
-        EXPECT_EQ(av_rescale_q(after.frames[index].pts, after.timeBase, before.timeBase), before.frames[index].pts)
-            << "frame " << index;
-}
-
-// A clip whose frames show nothing the effect would take for a flash comes out frame for frame
-// as it went in, whatever its form, on either render path.
+// A steady clip comes out frame for frame as it went in, with its timing, colour properties,
+// rotation and audio, whatever its container and form. Flashed clips, other depths and sizes
+// and the sequential path are the flash removal tests' part.
 TEST(DeglareEndToEnd, SteadyClipsComeOutUnchanged)
 {
     struct Case {
-        const char* name;
-        int width, height;
+        const char* extension;
         AVPixelFormat format;
         std::vector<int64_t> timestamps;   // in 1/1000 s; empty: 25 frames a second
-        const char* extension;
-        bool sequential;
     };
     const Case cases[] = {
-        {"8-bit with audio", 64, 48, AV_PIX_FMT_YUV420P, {}, "mkv", false},
-        {"8-bit, sequential", 64, 48, AV_PIX_FMT_YUV420P, {}, "mkv", true},
-        {"10-bit", 64, 48, AV_PIX_FMT_YUV420P10LE, {}, "mkv", false},
-        {"odd size", 65, 49, AV_PIX_FMT_YUV420P, {}, "mkv", false},
-        {"4:4:4 in AVI", 80, 60, AV_PIX_FMT_YUV444P, {}, "avi", false},
-        {"rotated, in MOV", 64, 48, AV_PIX_FMT_YUV420P, {}, "mov", false},
-        {"variable frame rate", 64, 48, AV_PIX_FMT_YUV420P,
-         {0, 40, 80, 150, 190, 230, 330, 370, 410, 420, 430, 470, 510, 600, 640, 680, 720, 760, 900, 940}, "mkv",
-         false},
+        {"mkv", AV_PIX_FMT_YUV420P, {}},
+        {"avi", AV_PIX_FMT_YUV444P, {}},
+        {"mov", AV_PIX_FMT_YUV420P, {}},     // the one container here that carries a rotation
+        {"mkv", AV_PIX_FMT_YUV420P, {0, 40, 80, 150, 190, 230, 330, 370, 410, 420, 430, 470, 510, 600, 640}},
     };
     for (const Case& test : cases) {
-        SCOPED_TRACE(test.name);
+        SCOPED_TRACE(std::string(test.extension) + (test.timestamps.empty() ? "" : ", variable frame rate"));
         TempFolder folder;
         ClipRecipe recipe;
-        recipe.width = test.width;
-        recipe.height = test.height;
         recipe.pixelFormat = test.format;
-        recipe.frameCount = test.timestamps.empty() ? 24 : static_cast<int>(test.timestamps.size());
         recipe.audio = true;
         recipe.timestamps = test.timestamps;
-        recipe.timeBase = test.timestamps.empty() ? AVRational{1, 25} : AVRational{1, 1000};
+        if (!test.timestamps.empty())
+            recipe.timeBase = {1, 1000};
         recipe.range = AVCOL_RANGE_MPEG;
         recipe.primaries = AVCOL_PRI_BT709;
         recipe.transfer = AVCOL_TRC_BT709;
         recipe.matrix = AVCOL_SPC_BT709;
         recipe.rotation = 90.0;
-        if (test.extension == std::string("mov")) {
+        // MOV takes no ffv1; libx264 at crf 0 is lossless too, and keeps the colour range.
+        const bool mov = test.extension == std::string("mov");
+        if (mov) {
             recipe.codec = "libx264";
             recipe.crf = 0;
         }
-        const std::string input = folder.Path(std::string("in.") + test.extension);
+        const int frames = test.timestamps.empty() ? 16 : static_cast<int>(test.timestamps.size());
+        const std::string input = WriteSteadyClip(folder.Path(std::string("in.") + test.extension), frames, recipe);
         const std::string output = folder.Path(std::string("out.") + test.extension);
-        WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
-
-        // MOV takes no ffv1; libx264 at crf 0 is lossless too, and keeps the colour range.
+        const std::vector<std::string> codec = mov ? std::vector<std::string>{"libx264", "--crf", "0"}
+                                                   : std::vector<std::string>{"ffv1"};
         std::vector<std::string> arguments = {input, output, "--quiet", "--codec"};
-        if (test.extension == std::string("mov"))
-            arguments.insert(arguments.end(), {"libx264", "--crf", "0"});
-        else
-            arguments.push_back("ffv1");
-        if (test.sequential)
-            arguments.push_back("--sequential");
+        arguments.insert(arguments.end(), codec.begin(), codec.end());
         const ProgramRun run = RunDeglare(arguments);
         ASSERT_EQ(run.status, 0) << run.err;
         EXPECT_EQ(run.err, "");
@@ -98,24 +71,19 @@ TEST(DeglareEndToEnd, SteadyClipsComeOutUnchanged)
         const ReadClip before = ReadBack(input);
         const ReadClip after = ReadBack(output);
         ASSERT_EQ(after.frames.size(), before.frames.size());
-        for (size_t index = 0; index < before.frames.size(); ++index)
+        for (size_t index = 0; index < before.frames.size(); ++index) {
             EXPECT_TRUE(after.frames[index].planes == before.frames[index].planes) << "frame " << index;
-        ExpectSameTimestamps(after, before);
-        EXPECT_EQ(after.timeBase.num * before.timeBase.den, before.timeBase.num * after.timeBase.den);
-        EXPECT_EQ(av_cmp_q(after.frameRate, before.frameRate), 0);
-        EXPECT_EQ(after.pixelFormat, before.pixelFormat);
-        EXPECT_EQ(after.width, test.width);
-        EXPECT_EQ(after.height, test.height);
-        EXPECT_EQ(after.range, before.range);
-        EXPECT_EQ(after.primaries, before.primaries);
-        EXPECT_EQ(after.transfer, before.transfer);
-        EXPECT_EQ(after.matrix, before.matrix);
-        // Of these containers only MOV carries a rotation.
-        if (test.extension == std::string("mov")) {
-            EXPECT_EQ(before.rotation, -90.0);
+            EXPECT_EQ(av_rescale_q(after.frames[index].pts, after.timeBase, before.timeBase), before.frames[index].pts)
+                << "frame " << index;
         }
+        EXPECT_EQ(av_cmp_q(after.timeBase, before.timeBase), 0);
+        EXPECT_EQ(av_cmp_q(after.frameRate, before.frameRate), 0);
+        EXPECT_EQ(std::make_tuple(after.pixelFormat, after.width, after.height, after.range, after.primaries,
+                                  after.transfer, after.matrix),
+                  std::make_tuple(before.pixelFormat, recipe.width, recipe.height, before.range, before.primaries,
+                                  before.transfer, before.matrix));
+        EXPECT_EQ(before.rotation, mov ? -90.0 : 0.0);
         EXPECT_EQ(after.rotation, before.rotation);
-
         // Audio bit for bit, with its timestamps.
         ASSERT_EQ(after.streamCount, before.streamCount);
         ASSERT_FALSE(before.otherPackets.empty());
@@ -127,118 +95,93 @@ TEST(DeglareEndToEnd, SteadyClipsComeOutUnchanged)
     }
 }
 
-} // namespace
-
-namespace {
-
 // A WAV file of silence: media with no video stream.
 std::string SilentWav()
 {
-    const uint32_t samples = 4800;
+    const uint32_t dataBytes = 9600;
+    // RIFF size, format chunk size, PCM, mono, 48000 Hz, bytes a second, block size, bits.
+    const uint32_t header[] = {36 + dataBytes, 16, 1 | 1 << 16, 48000, 96000, 2 | 16 << 16};
     std::string wav = "RIFF";
-    auto put32 = [&](uint32_t value) { wav.append(reinterpret_cast<const char*>(&value), 4); };
-    auto put16 = [&](uint16_t value) { wav.append(reinterpret_cast<const char*>(&value), 2); };
-    put32(36 + samples * 2);
+    wav.append(reinterpret_cast<const char*>(&header[0]), 4);
     wav += "WAVEfmt ";
-    put32(16);
-    put16(1);
-    put16(1);
-    put32(48000);
-    put32(96000);
-    put16(2);
-    put16(16);
+    wav.append(reinterpret_cast<const char*>(&header[1]), sizeof(header) - 4);
     wav += "data";
-    put32(samples * 2);
-    wav.append(samples * 2, '\0');
-    return wav;
+    wav.append(reinterpret_cast<const char*>(&dataBytes), 4);
+    return wav + std::string(dataBytes, '\0');
 }
 
-// A preset file as an editor saves it, made for `effect` of "Tessarel Deglarer Pro"; the
-// second and third parameters are of the types given, and the first slider at `position`.
-std::string PresetFile(const std::string& library, const std::string& effect, const std::string& secondType,
-                       const std::string& thirdType, const std::string& position = "0.300000")
+// A preset file as an editor saves it, for `effect` of "Tessarel Deglarer Pro"; the second and
+// third parameters of the types given, and the first slider at `position`.
+std::string PresetFile(const std::string& effect, const std::string& secondType = "2",
+                       const std::string& position = "0.300000")
 {
     return "<?xml version=\"1.0\" standalone=\"no\" ?>\n<!-- Effect's Preset File -->\n"
-           "<Preset Name=\"Mine\" LibraryName=\"Tessarel " + library + "\" EffectName=\"" + effect + "\">\n"
+           "<Preset Name=\"Mine\" LibraryName=\"Tessarel Deglarer Pro\" EffectName=\"" + effect + "\">\n"
            "    <parameter type=\"2\" value=\"" + position + "\" />\n"
            "    <parameter type=\"" + secondType + "\" value=\"0.555556\" />\n"
-           "    <parameter type=\"" + thirdType + "\" value=\"1\" />\n"
+           "    <parameter type=\"4\" value=\"1\" />\n"
            "</Preset>\n";
 }
-
-struct BadCase {
-    const char* name;
-    std::vector<std::string> arguments;     // "@name" stands for a file in the test's folder
-    int status;
-    const char* named;                      // what the message must name
-    const char* cause;                      // and a word of its cause
-};
-
-} // namespace
 
 // Every bad input ends with one line naming the file and the cause, a status of its own, and
 // no OUTPUT: a file already there stays as it was, and nothing else is left behind.
 TEST(DeglareEndToEnd, BadInputsFailCleanlyWithTheirOwnStatus)
 {
     TempFolder folder;
-    ClipRecipe recipe;
-    recipe.frameCount = 8;
-    WriteClip(folder.Path("clip.mkv"), recipe, Scene(Steady(8)));
-    ClipRecipe oddRecipe = recipe;
-    oddRecipe.width = 65;
-    oddRecipe.height = 49;
-    WriteClip(folder.Path("odd.mkv"), oddRecipe, Scene(Steady(8)));
-    ClipRecipe emptyRecipe = recipe;
-    emptyRecipe.frameCount = 0;
-    WriteClip(folder.Path("empty.avi"), emptyRecipe, Scene({}));
+    WriteSteadyClip(folder.Path("clip.mkv"), 8);
+    ClipRecipe odd;
+    odd.width = 65;
+    odd.height = 49;
+    WriteSteadyClip(folder.Path("odd.mkv"), 8, odd);
+    WriteSteadyClip(folder.Path("empty.avi"), 0);
     WriteFile(folder.Path("notes.txt"), "These are words, not pictures.\n");
     WriteFile(folder.Path("tone.wav"), SilentWav());
     WriteFile(folder.Path("old.mkv"), "an older file");
-    WriteFile(folder.Path("other.fxpunka"), PresetFile("Deglarer Pro", "Denoiser Pro", "2", "4"));
-    WriteFile(folder.Path("mistyped.fxpunka"), PresetFile("Deglarer Pro", "Deglarer Pro", "4", "4"));
-    WriteFile(folder.Path("steep.fxpunka"), PresetFile("Deglarer Pro", "Deglarer Pro", "2", "4", "1.5"));
-    std::filesystem::create_directory(folder.Path("sub"));
-    std::filesystem::create_directory(folder.Path("locked"));
+    WriteFile(folder.Path("other.fxpunka"), PresetFile("Denoiser Pro"));
+    WriteFile(folder.Path("mistyped.fxpunka"), PresetFile("Deglarer Pro", "4"));
+    WriteFile(folder.Path("steep.fxpunka"), PresetFile("Deglarer Pro", "2", "1.5"));
+    fs::create_directory(folder.Path("sub"));
+    fs::create_directory(folder.Path("locked"));
     const bool root = geteuid() == 0;
     // Root may write anywhere a mode allows nothing; a folder of the proc file system takes no files.
     const std::string lockedFolder = root ? "/proc" : folder.Path("locked");
     if (!root)
-        std::filesystem::permissions(folder.Path("locked"), std::filesystem::perms::owner_read |
-                                                                std::filesystem::perms::owner_exec);
+        fs::permissions(folder.Path("locked"), fs::perms::owner_read | fs::perms::owner_exec);
 
-    const BadCase cases[] = {
-        {"missing input", {"@missing.mkv", "@old.mkv"}, 3, "missing.mkv", "No such file"},
-        {"folder as input", {"@sub", "@old.mkv"}, 3, "sub", "folder"},
-        {"not media", {"@notes.txt", "@old.mkv"}, 4, "notes.txt", "not a media file"},
-        {"no video stream", {"@tone.wav", "@old.mkv"}, 5, "tone.wav", "no video"},
-        {"zero-frame video", {"@empty.avi", "@old.mkv"}, 6, "empty.avi", "no frames"},
-        {"output is input", {"@clip.mkv", "@clip.mkv"}, 7, "clip.mkv", "input itself"},
-        {"output is input by another name", {"@clip.mkv", "@sub/../clip.mkv"}, 7, "clip.mkv", "input itself"},
-        {"output folder missing", {"@clip.mkv", "@nowhere/out.mkv"}, 8, "nowhere", "doesn't exist"},
-        {"output folder not writable", {"@clip.mkv", lockedFolder + "/out.mkv"}, 9, "out.mkv", "can't write"},
-        {"output is a folder", {"@clip.mkv", "@sub"}, 10, "sub", "folder"},
-        {"unknown encoder", {"@clip.mkv", "@old.mkv", "--codec", "nosuchcodec"}, 11, "nosuchcodec", "no such"},
-        {"encoder refuses the size", {"@odd.mkv", "@old.mkv", "--codec", "libx264"}, 12, "libx264", "not divisible by 2"},
-        {"unknown container", {"@clip.mkv", "@out.nosuch"}, 13, "out.nosuch", "container"},
-        {"unknown preset", {"@clip.mkv", "@old.mkv", "--preset", "Sunny Day"}, 14, "Sunny Day", "no such preset"},
-        {"preset file for another effect", {"@clip.mkv", "@old.mkv", "--preset-file", "@other.fxpunka"}, 15,
-         "other.fxpunka", "Denoiser Pro"},
-        {"preset file of other types", {"@clip.mkv", "@old.mkv", "--preset-file", "@mistyped.fxpunka"}, 15,
-         "mistyped.fxpunka", "doesn't match"},
-        {"preset file off the slider", {"@clip.mkv", "@old.mkv", "--preset-file", "@steep.fxpunka"}, 15,
-         "steep.fxpunka", "outside 0 to 1"},
-        {"preset file that isn't one", {"@clip.mkv", "@old.mkv", "--preset-file", "@notes.txt"}, 15, "notes.txt",
-         "not a preset file"},
-        {"sensitivity out of range", {"@clip.mkv", "@old.mkv", "--sensitivity", "150"}, 2, "--sensitivity", "150"},
-        {"max frames out of range", {"@clip.mkv", "@old.mkv", "--max-frames", "0"}, 2, "--max-frames", "0"},
-        {"no effect bundle", {"@clip.mkv", "@old.mkv", "--bundle", "@nobundle"}, 17, "nobundle", "can't be loaded"},
+    const struct {
+        std::vector<std::string> arguments;     // "@name" stands for a file in the test's folder
+        int status;
+        const char* named;                      // what the message must name
+        const char* cause;                      // and a word of its cause
+    } cases[] = {
+        {{"@missing.mkv", "@old.mkv"}, 3, "missing.mkv", "No such file"},
+        {{"@sub", "@old.mkv"}, 3, "sub", "folder"},
+        {{"@notes.txt", "@old.mkv"}, 4, "notes.txt", "not a media file"},
+        {{"@tone.wav", "@old.mkv"}, 5, "tone.wav", "no video"},
+        {{"@empty.avi", "@old.mkv"}, 6, "empty.avi", "no frames"},
+        {{"@clip.mkv", "@clip.mkv"}, 7, "clip.mkv", "input itself"},
+        {{"@clip.mkv", "@sub/../clip.mkv"}, 7, "clip.mkv", "input itself"},
+        {{"@clip.mkv", "@nowhere/out.mkv"}, 8, "nowhere", "doesn't exist"},
+        {{"@clip.mkv", lockedFolder + "/out.mkv"}, 9, "out.mkv", "can't write"},
+        {{"@clip.mkv", "@sub"}, 10, "sub", "folder"},
+        {{"@clip.mkv", "@old.mkv", "--codec", "nosuchcodec"}, 11, "nosuchcodec", "no such"},
+        {{"@odd.mkv", "@old.mkv", "--codec", "libx264"}, 12, "libx264", "not divisible by 2"},
+        {{"@clip.mkv", "@out.nosuch"}, 13, "out.nosuch", "container"},
+        {{"@clip.mkv", "@old.mkv", "--preset", "Sunny Day"}, 14, "Sunny Day", "no such preset"},
+        {{"@clip.mkv", "@old.mkv", "--preset-file", "@other.fxpunka"}, 15, "other.fxpunka", "Denoiser Pro"},
+        {{"@clip.mkv", "@old.mkv", "--preset-file", "@mistyped.fxpunka"}, 15, "mistyped.fxpunka", "doesn't match"},
+        {{"@clip.mkv", "@old.mkv", "--preset-file", "@steep.fxpunka"}, 15, "steep.fxpunka", "outside 0 to 1"},
+        {{"@clip.mkv", "@old.mkv", "--preset-file", "@notes.txt"}, 15, "notes.txt", "not a preset file"},
+        {{"@clip.mkv", "@old.mkv", "--sensitivity", "150"}, 2, "--sensitivity", "150"},
+        {{"@clip.mkv", "@old.mkv", "--max-frames", "0"}, 2, "--max-frames", "0"},
+        {{"@clip.mkv", "@old.mkv", "--bundle", "@nobundle"}, 17, "nobundle", "can't be loaded"},
     };
     const std::vector<std::string> filesBefore = folder.Files();
-    for (const BadCase& test : cases) {
-        SCOPED_TRACE(test.name);
+    for (const auto& test : cases) {
         std::vector<std::string> arguments;
         for (const std::string& argument : test.arguments)
             arguments.push_back(argument[0] == '@' ? folder.Path(argument.substr(1)) : argument);
+        SCOPED_TRACE(arguments[0] + " " + arguments[1] + (arguments.size() > 2 ? " " + arguments[2] : ""));
         const ProgramRun run = RunDeglare(arguments);
         EXPECT_EQ(run.status, test.status) << run.err;
         EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
@@ -251,7 +194,7 @@ TEST(DeglareEndToEnd, BadInputsFailCleanlyWithTheirOwnStatus)
     }
     if (!root) {
         // A file the user may not read.
-        std::filesystem::permissions(folder.Path("clip.mkv"), std::filesystem::perms::none);
+        fs::permissions(folder.Path("clip.mkv"), fs::perms::none);
         const ProgramRun run = RunDeglare({folder.Path("clip.mkv"), folder.Path("out.mkv")});
         EXPECT_EQ(run.status, 3) << run.err;
         EXPECT_NE(run.err.find("Permission denied"), std::string::npos) << run.err;
@@ -265,11 +208,9 @@ TEST(DeglareEndToEnd, WriteFailureIsReportedAndLeavesNothing)
     ClipRecipe recipe;
     recipe.width = 160;
     recipe.height = 120;
-    recipe.frameCount = 20;
-    const std::string input = folder.Path("clip.mkv");
-    WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
+    const std::string input = WriteSteadyClip(folder.Path("clip.mkv"), 20, recipe);
     WriteFile(folder.Path("old.mkv"), "an older file");
-    const long limit = static_cast<long>(std::filesystem::file_size(input) / 3);
+    const long limit = static_cast<long>(fs::file_size(input) / 3);
     const ProgramRun run = RunDeglare({input, folder.Path("old.mkv"), "--codec", "ffv1", "--quiet"}, limit);
     EXPECT_EQ(run.status, 16) << run.err;
     EXPECT_NE(run.err.find("old.mkv: writing failed"), std::string::npos) << run.err;
@@ -277,27 +218,26 @@ TEST(DeglareEndToEnd, WriteFailureIsReportedAndLeavesNothing)
     EXPECT_EQ(folder.Files(), (std::vector<std::string>{"clip.mkv", "old.mkv"}));
 }
 
-// Damage in the middle of a stream is decoded past, with a warning that names the frame.
+// Damage in the middle of a stream is decoded past, with a warning that names the frame or the
+// few frames that were in the decoder together.
 TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
 {
     TempFolder folder;
     ClipRecipe recipe;
     recipe.width = 160;
     recipe.height = 120;
-    recipe.frameCount = 30;
     recipe.codec = "libx264";
-    const std::string input = folder.Path("clip.mkv");
-    WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
+    const int frames = 30;
+    const std::string input = WriteSteadyClip(folder.Path("clip.mkv"), frames, recipe);
 
-    // Overwrite the middle of the largest picture after frame 10 that isn't a keyframe.
-    int damaged = -1;
+    // Overwrite the middle of the largest picture between frames 10 and 25 that isn't a keyframe.
+    int damaged = -1, largest = 0;
     int64_t position = 0;
     {
         AVFormatContext* opened = nullptr;
         ASSERT_EQ(avformat_open_input(&opened, input.c_str(), nullptr, nullptr), 0);
         InputFormatRef format(opened);
         PacketRef packet = AllocatePacket();
-        int largest = 0;
         while (av_read_frame(format.get(), packet.get()) >= 0) {
             const int index = static_cast<int>(av_rescale_q(packet->pts, format->streams[0]->time_base, {1, 25}));
             if (index > 10 && index < 25 && !(packet->flags & AV_PKT_FLAG_KEY) && packet->size > largest) {
@@ -307,8 +247,8 @@ TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
             }
             av_packet_unref(packet.get());
         }
-        ASSERT_GT(largest, 64);
     }
+    ASSERT_GT(largest, 64);
     std::string bytes = ReadFile(input);
     for (int offset = 0; offset < 160; ++offset)
         bytes[position + offset] = static_cast<char>(0x5A ^ offset);
@@ -317,23 +257,20 @@ TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
     const std::string output = folder.Path("out.mkv");
     const ProgramRun run = RunDeglare({input, output, "--codec", "ffv1", "--quiet"});
     ASSERT_EQ(run.status, 0) << run.err;
-    // The warning names the frame, or the few frames that were in the decoder together.
     bool named = false;
     std::istringstream lines(run.err);
     for (std::string line; std::getline(lines, line);) {
         const size_t at = line.find("clip.mkv: frame");
-        int first = -1, last = -1;
         if (line.rfind("deglare: warning: ", 0) != 0 || at == std::string::npos)
             continue;
-        const char* where = line.c_str() + at;
-        if (std::sscanf(where, "clip.mkv: frames %d-%d:", &first, &last) != 2 &&
-            std::sscanf(where, "clip.mkv: frame %d:", &first) == 1)
+        int first = -1, last = -1;
+        if (std::sscanf(line.c_str() + at, "clip.mkv: frames %d-%d:", &first, &last) != 2 &&
+            std::sscanf(line.c_str() + at, "clip.mkv: frame %d:", &first) == 1)
             last = first;
         named = named || (first >= 0 && first <= damaged && damaged <= last && last - first < 8);
     }
     EXPECT_TRUE(named) << "frame " << damaged << " isn't named in: " << run.err;
-    const ReadClip after = ReadBack(output);
-    EXPECT_GE(after.frames.size(), static_cast<size_t>(recipe.frameCount - 1));
+    EXPECT_GE(ReadBack(output).frames.size(), static_cast<size_t>(frames - 1));
 }
 
 // Stock presets are read from the effect by name, in any case, saved ones from their file, and
@@ -341,19 +278,14 @@ TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
 TEST(DeglareEndToEnd, PresetsComeFromTheEffect)
 {
     TempFolder folder;
-    ClipRecipe recipe;
-    recipe.frameCount = 6;
-    const std::string input = folder.Path("clip.mkv");
-    WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
+    const std::string input = WriteSteadyClip(folder.Path("clip.mkv"), 6);
     const std::string saved = folder.Path("saved.fxpunka");
-    WriteFile(saved, PresetFile("Deglarer Pro", "Deglarer Pro", "2", "4"));
-    struct Case {
+    WriteFile(saved, PresetFile("Deglarer Pro"));
+    const struct {
         std::vector<std::string> options;
-        int sensitivity;
-        int maxFrames;
+        int sensitivity, maxFrames;
         bool testMode;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {{}, 70, 2, false},
         {{"--preset", "fine tune"}, 50, 1, true},
         {{"--preset", "HEAVY FLASHES"}, 45, 10, true},
@@ -365,30 +297,25 @@ TEST(DeglareEndToEnd, PresetsComeFromTheEffect)
         {{"--preset-file", saved}, 30, 6, true},
         {{"--preset-file", saved, "--max-frames", "10"}, 30, 10, true},
     };
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         const std::string report = folder.Path("report.json");
         std::vector<std::string> arguments = {input, "--analyze", "--quiet", "--report", report};
         arguments.insert(arguments.end(), test.options.begin(), test.options.end());
-        const ProgramRun run = RunDeglare(arguments);
-        ASSERT_EQ(run.status, 0) << run.err;
-        const std::string text = ReadFile(report);
-        const auto has = [&](const std::string& entry) { return text.find(entry) != std::string::npos; };
-        EXPECT_TRUE(has("\"sensitivity\": " + std::to_string(test.sensitivity) + ",")) << text.substr(0, 300);
-        EXPECT_TRUE(has("\"maxFrames\": " + std::to_string(test.maxFrames) + ",")) << text.substr(0, 300);
-        EXPECT_TRUE(has(std::string("\"testMode\": ") + (test.testMode ? "true" : "false"))) << text.substr(0, 300);
+        ASSERT_EQ(RunDeglare(arguments).status, 0);
+        const nlohmann::json settings = nlohmann::json::parse(ReadFile(report))["settings"];
+        EXPECT_EQ(settings["sensitivity"], test.sensitivity) << settings;
+        EXPECT_EQ(settings["maxFrames"], test.maxFrames) << settings;
+        EXPECT_EQ(settings["testMode"], test.testMode) << settings;
     }
 }
 
-// The report and the plot come out well-formed in each of their forms, beside the video or
-// from an analysis.
+// The report and the plot come out well-formed in each of their forms, beside the video or from
+// an analysis, and the two reports agree figure for figure.
 TEST(DeglareEndToEnd, ReportsAndPlotsAreWellFormed)
 {
     TempFolder folder;
-    ClipRecipe recipe;
-    recipe.frameCount = 12;
-    const std::string input = folder.Path("clip.mkv");
-    WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
-
+    const int frames = 12;
+    const std::string input = WriteSteadyClip(folder.Path("clip.mkv"), frames);
     const ProgramRun clean = RunDeglare({input, folder.Path("out.mkv"), "--codec", "ffv1", "--report",
                                          folder.Path("report.json"), "--plot", folder.Path("plot.png")});
     ASSERT_EQ(clean.status, 0) << clean.err;
@@ -400,32 +327,39 @@ TEST(DeglareEndToEnd, ReportsAndPlotsAreWellFormed)
 
     const nlohmann::json report = nlohmann::json::parse(ReadFile(folder.Path("report.json")));
     EXPECT_EQ(report["input"], input);
-    EXPECT_EQ(report["summary"]["framesRead"], 12);
-    ASSERT_EQ(report["frames"].size(), 12u);
-    for (size_t index = 0; index < 12; ++index) {
-        const nlohmann::json& frame = report["frames"][index];
-        EXPECT_EQ(frame["index"], index);
-        EXPECT_NEAR(frame["time"].get<double>(), index / 25.0, 1e-9);
-        ASSERT_EQ(frame["bands"].size(), 4u);
-        float sum = 0.0f;
-        for (const auto& band : frame["bands"])
-            sum += band.get<float>();
-        EXPECT_NEAR(frame["sum"].get<double>(), sum, 1e-5);
-        EXPECT_EQ(frame["decision"], "kept");
-    }
+    EXPECT_EQ(report["summary"]["framesRead"], frames);
     EXPECT_TRUE(report["runs"].is_array());
-
+    ASSERT_EQ(report["frames"].size(), static_cast<size_t>(frames));
     std::istringstream csv(ReadFile(folder.Path("report.csv")));
     std::string line;
     std::getline(csv, line);
     EXPECT_EQ(line, "index,time,band0,band1,band2,band3,sum,decision,substitute");
-    int rows = 0;
-    while (std::getline(csv, line) && !line.empty()) {
-        EXPECT_EQ(std::count(line.begin(), line.end(), ','), 8) << line;
-        EXPECT_EQ(line.rfind(std::to_string(rows) + ",", 0), 0u) << line;
-        ++rows;
+    for (int index = 0; index < frames; ++index) {
+        const nlohmann::json& frame = report["frames"][index];
+        EXPECT_EQ(frame["index"], index);
+        EXPECT_NEAR(frame["time"].get<double>(), index / 25.0, 1e-9);
+        EXPECT_EQ(frame["decision"], "kept");
+        ASSERT_EQ(frame["bands"].size(), 4u);
+        const std::vector<float> bands = frame["bands"];
+        EXPECT_NEAR(frame["sum"].get<double>(), bands[0] + bands[1] + bands[2] + bands[3], 1e-5);
+        // The CSV row: the same frame, time, bands and sum, then the decision and no substitute.
+        std::getline(csv, line);
+        std::vector<double> row(7);
+        char decision[16] = {};
+        ASSERT_EQ(std::sscanf(line.c_str(), "%lf,%lf,%lf,%lf,%lf,%lf,%lf,%15[a-z],", &row[0], &row[1], &row[2],
+                              &row[3], &row[4], &row[5], &row[6], decision),
+                  8)
+            << line;
+        EXPECT_EQ(line.back(), ',') << line;
+        EXPECT_EQ(row[0], index);
+        EXPECT_NEAR(row[1], index / 25.0, 1e-6);
+        for (int band = 0; band < 4; ++band)
+            EXPECT_NEAR(row[2 + band], bands[band], 1e-6) << line;
+        EXPECT_NEAR(row[6], frame["sum"].get<double>(), 1e-6) << line;
+        EXPECT_STREQ(decision, "kept");
     }
-    EXPECT_EQ(rows, 12);
+    std::getline(csv, line);
+    EXPECT_EQ(line, "");
     std::getline(csv, line);
     EXPECT_EQ(line, "run,first,last,replaced,spared");
 
@@ -436,7 +370,6 @@ TEST(DeglareEndToEnd, ReportsAndPlotsAreWellFormed)
     cairo_surface_destroy(png);
     const std::string svg = ReadFile(folder.Path("plot.svg"));
     EXPECT_EQ(svg.rfind("<?xml", 0), 0u);
-    EXPECT_NE(svg.find("<svg"), std::string::npos);
     EXPECT_NE(svg.find("</svg>"), std::string::npos);
 }
 
@@ -447,11 +380,8 @@ TEST(DeglareEndToEnd, InterruptionLeavesNothingBehind)
     ClipRecipe recipe;
     recipe.width = 320;
     recipe.height = 240;
-    recipe.frameCount = 250;
-    const std::string input = folder.Path("clip.mkv");
-    WriteClip(input, recipe, Scene(Steady(recipe.frameCount)));
-    const std::string output = folder.Path("out.mp4");
-    const pid_t child = StartDeglare({input, output, "--quiet", "--threads", "1"});
+    const std::string input = WriteSteadyClip(folder.Path("clip.mkv"), 250, recipe);
+    const pid_t child = StartDeglare({input, folder.Path("out.mp4"), "--quiet", "--threads", "1"});
     // Once the temporary file is there the run is under way.
     for (int wait = 0; wait < 500 && folder.Files().size() < 2; ++wait)
         usleep(10000);
@@ -460,3 +390,5 @@ TEST(DeglareEndToEnd, InterruptionLeavesNothingBehind)
     EXPECT_EQ(WaitForDeglare(child), 130);
     EXPECT_EQ(folder.Files(), std::vector<std::string>{"clip.mkv"});
 }
+
+} // namespace

@@ -2,10 +2,13 @@
 // stand-in for the effect: which picture goes out, what is reported, where frames come from.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <sstream>
 
+#include "../host/deglare/EffectModule.h"
 #include "../host/deglare/ExitStatus.h"
 #include "../host/deglare/Pipeline.h"
+#include "../host/deglare/SliderPositions.h"
 #include "DeglareTestSupport.h"
 #include "ScriptedEffect.h"
 
@@ -16,23 +19,13 @@ using namespace DeglareTest;
 
 const int kFrames = 30;
 
-std::vector<float> SteadyLevels(int count)
-{
-    std::vector<float> levels;
-    for (int index = 0; index < count; ++index)
-        levels.push_back(0.40f + 0.01f * (index % 3));
-    return levels;
-}
-
 class PipelineTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
         ClipRecipe recipe;
-        recipe.frameCount = kFrames;
         recipe.audio = true;
-        input = folder.Path("input.mkv");
-        WriteClip(input, recipe, Scene(SteadyLevels(kFrames)));
+        input = WriteSteadyClip(folder.Path("input.mkv"), kFrames, recipe);
         settings.input = input;
         settings.output = folder.Path("output.mkv");
         settings.encoder.codec = "ffv1";
@@ -168,6 +161,34 @@ TEST_F(PipelineTest, FramesOutsideTheWindowAreDecodedApartAndOthersOnce)
         expected[27] = 1;
         expected[2] = 29;
         EXPECT_EQ(ShownFrames(ReadBack(settings.output), ReadBack(input)), expected);
+    }
+}
+
+// The window keeps behind the render only what "Max Frames" lets a substitute reach: a run of
+// ten climbing frames, all replaced with "Max Frames" 10, takes substitutes up to five frames
+// back, and none of them is decoded a second time.
+TEST_F(PipelineTest, RealEffectFindsFarthestSubstitutesInTheWindow)
+{
+    const int runStart = 10, runLength = 10;
+    std::vector<float> levels(kFrames, 0.30f);
+    for (int step = 1; step <= runLength; ++step)
+        levels[runStart + step - 1] = 0.30f * std::pow(1.1f, static_cast<float>(step));
+    ClipRecipe recipe;
+    recipe.frameCount = kFrames;
+    WriteClip(input, recipe, Scene(levels));
+    settings.analyze = true;
+    settings.effect.maxFramesPosition = MaxFramesPosition(10);
+    EffectModule module(DEGLARER_BUNDLE_PATH);
+    Console console(messages, false, true);
+    const RunResult result = Pipeline(module.Effect(), console).Run(settings);
+
+    EXPECT_EQ(result.farDecodedFrames, 0);
+    ASSERT_EQ(result.frames.size(), static_cast<size_t>(kFrames));
+    for (int index = runStart; index < runStart + runLength; ++index) {
+        EXPECT_EQ(result.frames[index].decision, Decision::Replaced) << "frame " << index;
+        EXPECT_TRUE(result.frames[index].substitute == runStart - 1 ||
+                    result.frames[index].substitute == runStart + runLength)
+            << "frame " << index;
     }
 }
 

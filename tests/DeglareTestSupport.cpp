@@ -76,6 +76,21 @@ Deglare::PicturePainter Scene(std::vector<float> levels, std::vector<float> lowe
     };
 }
 
+std::vector<float> SteadyLevels(int count)
+{
+    std::vector<float> levels;
+    for (int index = 0; index < count; ++index)
+        levels.push_back(0.40f + 0.01f * (index % 3));
+    return levels;
+}
+
+std::string WriteSteadyClip(const std::string& path, int frames, Deglare::ClipRecipe recipe)
+{
+    recipe.frameCount = frames;
+    Deglare::WriteClip(path, recipe, Scene(SteadyLevels(frames)));
+    return path;
+}
+
 ReadClip ReadBack(const std::string& path)
 {
     using namespace Deglare;

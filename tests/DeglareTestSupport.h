@@ -29,6 +29,11 @@ private:
 // shutter's partial flash).
 Deglare::PicturePainter Scene(std::vector<float> levels, std::vector<float> lowerLevels = {});
 
+// Levels of 0.40 to 0.42, a step of a frame far below any threshold: nothing to take for a flash.
+std::vector<float> SteadyLevels(int count);
+// Writes a clip of `recipe` with `frames` frames of steady levels to `path`, and gives `path`.
+std::string WriteSteadyClip(const std::string& path, int frames, Deglare::ClipRecipe recipe = {});
+
 // A clip read back: each video frame's planes, packed, with its timestamp, and the packets of
 // every other stream.
 struct ReadClip {

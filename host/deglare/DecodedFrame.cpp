@@ -6,7 +6,10 @@ extern "C" {
 
 namespace Deglare {
 
-DecodedFrame::DecodedFrame(int index, FrameRef original) : m_index(index), m_original(std::move(original)) {}
+DecodedFrame::DecodedFrame(int index, FrameRef original, Keep keep)
+    : m_index(index), m_pts(original->best_effort_timestamp), m_keep(keep), m_original(std::move(original))
+{
+}
 
 const Picture& DecodedFrame::Bgra(ColourConverter& converter, int width, int height) const
 {
@@ -14,6 +17,8 @@ const Picture& DecodedFrame::Bgra(ColourConverter& converter, int width, int hei
         std::unique_ptr<Picture> picture = converter.NewPicture(width, height);
         converter.ToBgra(m_original.get(), *picture);
         m_bgra = std::move(picture);
+        if (m_keep == Keep::UntilConverted)
+            m_original.reset();
     });
     return *m_bgra;
 }

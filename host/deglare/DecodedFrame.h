@@ -14,11 +14,19 @@ namespace Deglare {
 // what the effect looks at.
 class DecodedFrame {
 public:
-    DecodedFrame(int index, FrameRef original);
+    // What the decoded frame is kept for.
+    enum class Keep {
+        ForEncoding,        // as long as the frame lives
+        UntilConverted,     // only to make the BGRA picture: a run that encodes nothing
+    };
+
+    DecodedFrame(int index, FrameRef original, Keep keep = Keep::ForEncoding);
 
     int Index() const { return m_index; }
     // Presentation time in the stream's time base; AV_NOPTS_VALUE when the stream has none.
-    int64_t Pts() const { return m_original->best_effort_timestamp; }
+    int64_t Pts() const { return m_pts; }
+    // Null once converted when kept only until then, so that its buffer goes back to the
+    // decoder's pool while the frame itself stays in the window.
     const AVFrame* Original() const { return m_original.get(); }
 
     // The picture as the effect sees it, at `width` x `height`: converted on first use by any
@@ -30,7 +38,9 @@ public:
 
 private:
     int m_index;
-    FrameRef m_original;
+    int64_t m_pts;
+    Keep m_keep;
+    mutable FrameRef m_original;
     mutable std::once_flag m_converted;
     mutable std::unique_ptr<Picture> m_bgra;
 };

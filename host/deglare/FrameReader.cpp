@@ -97,7 +97,7 @@ FramePtr FrameReader::Next()
             m_complaintsSeen = m_watch.Count();
         }
         CheckComplaints(number);
-        return std::make_shared<DecodedFrame>(number, std::move(frame));
+        return std::make_shared<DecodedFrame>(number, std::move(frame), m_keep);
     }
 }
 

@@ -24,6 +24,8 @@ public:
 
     void SetOtherPackets(PacketSink sink);
     void SetDamageReport(DamageReport report) { m_damage = std::move(report); }
+    // How long the frames it gives out keep their decoded pictures.
+    void SetKeep(DecodedFrame::Keep keep) { m_keep = keep; }
 
     // The next frame in presentation order with its index; null at the end of the stream.
     FramePtr Next();
@@ -51,6 +53,7 @@ private:
     PacketRef m_packet;
     PacketSink m_otherPackets;
     DamageReport m_damage;
+    DecodedFrame::Keep m_keep = DecodedFrame::Keep::ForEncoding;
     bool m_draining = false;
     int m_lastNumbered = -1;
     int m_newestSent = -1;          // the highest frame index whose packet went to the decoder

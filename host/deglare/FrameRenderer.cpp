@@ -80,16 +80,18 @@ FrameOutcome FrameRenderer::Render(const FramePtr& frame)
 
 FrameRenderer::Rendered FrameRenderer::RenderNormal(const FramePtr& frame, const Picture& source)
 {
-    if (!m_normalDestination)
-        m_normalDestination = m_converter.NewPicture(m_shape.width, m_shape.height);
+    // Without output a rendered picture is done with once read, so both renders share one.
+    std::unique_ptr<Picture>& destination = m_plan.encode ? m_normalDestination : m_testDestination;
+    if (!destination)
+        destination = m_converter.NewPicture(m_shape.width, m_shape.height);
     RenderCall call;
     Rendered result;
-    if (!RenderInto(m_normalHost, frame, source, *m_normalDestination, call)) {
+    if (!RenderInto(m_normalHost, frame, source, *destination, call)) {
         result.shown = frame->Index();
         result.shownFrame = frame;
         return result;
     }
-    result.shownFrame = FindShown(frame, *m_normalDestination, call);
+    result.shownFrame = FindShown(frame, *destination, call);
     if (result.shownFrame)
         result.shown = result.shownFrame->Index();
     return result;

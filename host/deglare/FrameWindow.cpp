@@ -4,8 +4,9 @@
 
 namespace Deglare {
 
-FrameWindow::FrameWindow(int capacity, int keepBehind, FrameSource* farFrames)
-    : m_capacity(std::max(capacity, 1)), m_keepBehind(std::max(keepBehind, 0)), m_farFrames(farFrames)
+FrameWindow::FrameWindow(int capacity, int keepBehind, FrameSource* farFrames, int decodeAhead)
+    : m_capacity(std::max(capacity, 1)), m_keepBehind(std::max(keepBehind, 0)),
+      m_decodeAhead(decodeAhead > 0 ? decodeAhead : m_capacity), m_farFrames(farFrames)
 {
 }
 
@@ -13,7 +14,12 @@ bool FrameWindow::Push(FramePtr frame)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     const int index = frame->Index();
-    m_changed.wait(lock, [&] { return m_cancelled || index < m_base + m_capacity; });
+    m_changed.wait(lock, [&] {
+        // Up to the frame asked for, and the first one past it should that one be lost.
+        const bool asked = index <= m_wanted || m_highest < m_wanted;
+        return m_cancelled ||
+               (index < m_base + m_capacity && (index < OldestInUseLocked() + m_decodeAhead || asked));
+    });
     if (m_cancelled)
         return false;
     m_frames[index] = frame;
@@ -57,6 +63,8 @@ void FrameWindow::Rendered(int index)
     if (found != m_rendering.end())
         m_rendering.erase(found);
     AdvanceLocked();
+    // The decoder may go further ahead now, even where the window keeps its base.
+    m_changed.notify_all();
 }
 
 long FrameWindow::Handed() const
@@ -65,22 +73,23 @@ long FrameWindow::Handed() const
     return m_handed;
 }
 
+int FrameWindow::OldestInUseLocked() const
+{
+    if (!m_rendering.empty())
+        return *m_rendering.begin();
+    if (!m_toRender.empty())
+        return m_toRender.front()->Index();
+    return m_highest + 1;
+}
+
 void FrameWindow::AdvanceLocked()
 {
     // The oldest frame still in use decides what the effect may yet ask for nearby.
-    int oldestInUse;
-    if (!m_rendering.empty())
-        oldestInUse = *m_rendering.begin();
-    else if (!m_toRender.empty())
-        oldestInUse = m_toRender.front()->Index();
-    else
-        oldestInUse = m_highest + 1;
-    const int base = oldestInUse - m_keepBehind;
+    const int base = OldestInUseLocked() - m_keepBehind;
     if (base <= m_base)
         return;
     m_base = base;
     m_frames.erase(m_frames.begin(), m_frames.lower_bound(m_base));
-    m_changed.notify_all();
 }
 
 FramePtr FrameWindow::Frame(int index)
@@ -90,7 +99,11 @@ FramePtr FrameWindow::Frame(int index)
     {
         std::unique_lock<std::mutex> lock(m_mutex);
         if (index >= m_base && index < m_base + m_capacity) {
-            // Within reach: the decoder gets there without help.
+            // Within reach: the decoder gets there, let on as far as the request.
+            if (index > m_wanted) {
+                m_wanted = index;
+                m_changed.notify_all();
+            }
             m_changed.wait(lock, [&] { return m_cancelled || m_finished || m_highest >= index; });
             auto found = m_frames.find(index);
             if (found != m_frames.end())

@@ -12,12 +12,15 @@ namespace Deglare {
 // The decoded frames around the render position. The decoder fills it in order as far as
 // `capacity` frames from its lowest frame; renders take frames from it in order, and the
 // effect's requests are served from it, waiting for the decoder when a frame lies ahead within
-// reach. Once every render near a frame is over and `keepBehind` newer frames have started,
-// the frame leaves the window. Requests outside the window go to `farFrames`, which decodes
-// them apart (null: such frames can't be had).
+// reach. Unasked, the decoder runs only `decodeAhead` frames past the oldest frame in use, so
+// that few frames hold memory that no render has looked at; a request further ahead within
+// reach lets it on. Once every render near a frame is over and `keepBehind` newer frames have
+// started, the frame leaves the window. Requests outside the window go to `farFrames`, which
+// decodes them apart (null: such frames can't be had).
 class FrameWindow : public FrameSource {
 public:
-    FrameWindow(int capacity, int keepBehind, FrameSource* farFrames);
+    // `decodeAhead` 0: as far as the capacity allows.
+    FrameWindow(int capacity, int keepBehind, FrameSource* farFrames, int decodeAhead = 0);
 
     // Decoder side. Blocks while the frame lies beyond the window; false when cancelled.
     bool Push(FramePtr frame);
@@ -40,10 +43,12 @@ public:
     int Capacity() const { return m_capacity; }
 
 private:
+    int OldestInUseLocked() const;
     void AdvanceLocked();
 
     const int m_capacity;
     const int m_keepBehind;
+    const int m_decodeAhead;
     FrameSource* m_farFrames;
 
     mutable std::mutex m_mutex;
@@ -53,6 +58,7 @@ private:
     std::multiset<int> m_rendering;
     int m_base = 0;          // frames below this have left
     int m_highest = -1;      // the highest index decoded so far
+    int m_wanted = -1;       // the highest index a request has waited for
     long m_handed = 0;
     bool m_finished = false;
     bool m_cancelled = false;

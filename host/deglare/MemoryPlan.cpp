@@ -8,15 +8,24 @@ namespace {
 // The effect's scans look ahead until five quiet frames in a row; a few more cover a
 // flash in the way without leaving the window.
 const int kLeastAhead = 8;
-const int kMostBehind = 8;
 const int kLeastBehind = 2;
 const int kFarFrames = 2;
 // Scans rarely look further ahead than this; more frames would only cost memory, and fresh
 // memory for every frame held.
 const int kMostWindow = 32;
+
+// Behind a frame the effect asks only for its substitute (the scans find earlier figures among
+// its measurements). Of a run at most "Max Frames" are replaced, so the search for the nearest
+// frame not replaced passes at most (maxFrames - 1) / 2 steps on which both neighbours are
+// replaced; one frame more is kept for good measure.
+int SubstituteReach(int maxFrames)
+{
+    return (std::clamp(maxFrames, 1, 10) - 1) / 2 + 2;
+}
 } // namespace
 
-MemoryPlan PlanMemory(size_t budget, size_t frameBytes, size_t pictureBytes, size_t outcomeBytes, int renderThreads)
+MemoryPlan PlanMemory(size_t budget, size_t frameBytes, size_t pictureBytes, size_t outcomeBytes, int renderThreads,
+                      int maxFrames)
 {
     MemoryPlan plan;
     const int threads = std::max(renderThreads, 1);
@@ -34,7 +43,8 @@ MemoryPlan PlanMemory(size_t budget, size_t frameBytes, size_t pictureBytes, siz
         plan.raised = true;
     }
     plan.windowFrames = window;
-    plan.keepBehind = std::clamp(window / 4, kLeastBehind, kMostBehind);
+    plan.keepBehind = std::clamp(window / 4, kLeastBehind, SubstituteReach(maxFrames));
+    plan.decodeAhead = std::min(threads + kLeastAhead, window - plan.keepBehind);
     plan.plannedBytes = fixedBytes + window * frameBytes;
     return plan;
 }

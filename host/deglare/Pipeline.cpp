@@ -19,6 +19,7 @@
 #include "OutputMuxer.h"
 #include "Progress.h"
 #include "RandomAccessReader.h"
+#include "SliderPositions.h"
 #include "StreamHost.h"
 #include "TemporaryOutput.h"
 #include "VideoEncoder.h"
@@ -59,6 +60,7 @@ private:
     void Record(const FrameOutcome& outcome);
     void WatchForInterruption();
 
+    DecodedFrame::Keep OriginalsKept() const;
     void Fail(std::exception_ptr failure);
     void CancelAll();
     void JoinAll();
@@ -122,7 +124,8 @@ void Run::Prepare()
     const size_t frameBytes = DecodedFrame::BytesFor(m_shape.width, m_shape.height, format);
     const size_t pictureBytes = Picture::BytesFor(m_shape.width, m_shape.height);
     const size_t outcomeBytes = m_settings.effect.testMode ? frameBytes : frameBytes - pictureBytes;
-    m_plan = PlanMemory(m_settings.memoryBudget, frameBytes, pictureBytes, outcomeBytes, m_renderThreads);
+    m_plan = PlanMemory(m_settings.memoryBudget, frameBytes, pictureBytes, outcomeBytes, m_renderThreads,
+                        DecodedMaxFrames(m_settings.effect.maxFramesPosition));
     if (m_plan.raised)
         m_console.Warn("--memory is too small for " + std::to_string(m_shape.width) + "x" +
                        std::to_string(m_shape.height) + " video; using " +
@@ -145,6 +148,12 @@ void Run::StartOutput()
             m_muxer->AddCopy(stream, m_console);
     }
     m_muxer->Start(format);
+}
+
+// Only an encoding run needs the decoded pictures once the effect's pictures are made.
+DecodedFrame::Keep Run::OriginalsKept() const
+{
+    return m_settings.analyze ? DecodedFrame::Keep::UntilConverted : DecodedFrame::Keep::ForEncoding;
 }
 
 void Run::Fail(std::exception_ptr failure)
@@ -177,6 +186,7 @@ void Run::Decode()
             });
         }
         reader.SetDamageReport([this](const std::string& text) { m_console.Warn(text); });
+        reader.SetKeep(OriginalsKept());
         while (FramePtr frame = reader.Next())
             if (!m_window->Push(std::move(frame)))
                 break;
@@ -290,8 +300,9 @@ RunResult Run::Execute()
 
     if (!m_settings.sequential)
         m_farFrames = std::make_unique<RandomAccessReader>(m_settings.input, m_index, m_settings.encoder.threads,
-                                                           m_plan.farFrames);
-    m_window = std::make_unique<FrameWindow>(m_plan.windowFrames, m_plan.keepBehind, m_farFrames.get());
+                                                           m_plan.farFrames, OriginalsKept());
+    m_window = std::make_unique<FrameWindow>(m_plan.windowFrames, m_plan.keepBehind, m_farFrames.get(),
+                                             m_plan.decodeAhead);
     m_queue = std::make_unique<OutcomeQueue>(m_plan.pendingFrames);
     EffectSettings normal = m_settings.effect;
     normal.testMode = false;

@@ -9,8 +9,10 @@ namespace {
 const int kDecodeOnLimit = 96;
 } // namespace
 
-RandomAccessReader::RandomAccessReader(const std::string& path, const FrameIndex& index, int threads, int keep)
-    : m_path(path), m_index(index), m_threads(threads), m_keep(static_cast<size_t>(std::max(keep, 1)))
+RandomAccessReader::RandomAccessReader(const std::string& path, const FrameIndex& index, int threads, int keep,
+                                       DecodedFrame::Keep keepOriginals)
+    : m_path(path), m_index(index), m_threads(threads), m_keep(static_cast<size_t>(std::max(keep, 1))),
+      m_keepOriginals(keepOriginals)
 {
 }
 
@@ -39,6 +41,7 @@ FramePtr RandomAccessReader::Frame(int index)
     try {
         if (!m_reader) {
             m_reader = std::make_unique<FrameReader>(std::make_unique<MediaInput>(m_path), m_index, m_threads);
+            m_reader->SetKeep(m_keepOriginals);
             m_position = -1;
         }
         const bool decodeOn = m_position >= 0 && index > m_position && index - m_position <= kDecodeOnLimit;

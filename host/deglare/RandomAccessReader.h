@@ -16,7 +16,8 @@ namespace Deglare {
 // opened on the first request.
 class RandomAccessReader : public FrameSource {
 public:
-    RandomAccessReader(const std::string& path, const FrameIndex& index, int threads, int keep);
+    RandomAccessReader(const std::string& path, const FrameIndex& index, int threads, int keep,
+                       DecodedFrame::Keep keepOriginals = DecodedFrame::Keep::ForEncoding);
 
     FramePtr Frame(int index) override;
 
@@ -32,6 +33,7 @@ private:
     const FrameIndex& m_index;
     const int m_threads;
     const size_t m_keep;
+    const DecodedFrame::Keep m_keepOriginals;
     std::mutex m_mutex;
     std::unique_ptr<FrameReader> m_reader;
     int m_position = -1;    // the last frame decoded; -1 before any or right after a seek
