@@ -108,7 +108,9 @@ TEST(PrimitiveMemory, BlocksAlignAndPictureRowsRoundUpTo32Bytes)
         static_cast<unsigned char*>(block)[length - 1] = 0xAB;   // the whole length is usable
         ippFree(block);
     }
-    const auto floats = [](int w, int h, int* s) { return reinterpret_cast<unsigned char*>(ippiMalloc_32f_C4(w, h, s)); };
+    const auto floats = [](int w, int h, int* s) {
+        return reinterpret_cast<unsigned char*>(ippiMalloc_32f_C4(w, h, s));
+    };
     struct Case {
         unsigned char* (*allocate)(int, int, int*);
         int width, height, step;
