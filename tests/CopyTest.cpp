@@ -37,13 +37,11 @@ TEST(Copy, CopiesCommonTopLeftAreaForEveryFormat)
         CFrame srcFrame, dstFrame;
         srcFrame.Init(src.data(), srcWidth, srcHeight, srcSpan, c.depth, c.format, false);
         dstFrame.Init(dst.data(), dstWidth, dstHeight, dstSpan, c.depth, c.format, false);
+        std::vector<uint8_t> expected = dst;
+        for (int y = 0; y < srcHeight; ++y)
+            std::memcpy(&expected[y * dstSpan], &src[y * srcSpan], dstWidth * c.depth);
         ASSERT_TRUE(Processors::CCopy().Process(&srcFrame, &dstFrame)) << c.format;
-        for (int y = 0; y < dstHeight; ++y)
-            for (int x = 0; x < dstSpan; ++x) {
-                const bool inside = y < srcHeight && x < dstWidth * c.depth;
-                const uint8_t expected = inside ? src[y * srcSpan + x] : kSentinel;
-                ASSERT_EQ(dst[y * dstSpan + x], expected) << "format " << c.format << " at " << x << "," << y;
-            }
+        EXPECT_EQ(dst, expected) << "format " << c.format;
     }
 }
 

@@ -12,23 +12,17 @@ namespace {
 
 const int kThreads = 6;
 
-std::vector<uint8_t> Gradient(int width, int height, int seed)
+// One thread's work: a gradient of its own, resized and flipped through the service; empty when
+// the service refuses.
+std::vector<uint8_t> ResizedAndFlipped(IFrameProcessor* service, int seed)
 {
-    std::vector<uint8_t> pixels(static_cast<size_t>(width) * height * 4);
-    for (size_t i = 0; i < pixels.size(); ++i)
-        pixels[i] = static_cast<uint8_t>(i * 13 + seed);
-    return pixels;
-}
-
-FrameParams Record(std::vector<uint8_t>& pixels, int width, int height)
-{
-    FrameParams params = {};
-    params.pBuffer = pixels.data();
-    params.nWidth = width;
-    params.nHeight = height;
-    params.nByteSpan = width * 4;
-    params.nDepth = 4;
-    return params;
+    std::vector<uint8_t> source(31 * 17 * 4), scaled(47 * 23 * 4);
+    for (size_t i = 0; i < source.size(); ++i)
+        source[i] = static_cast<uint8_t>(i * 13 + seed);
+    FrameParams src = {source.data(), 31, 17, 31 * 4, 4, 0, 0, pfVideoSample, false};
+    FrameParams dst = {scaled.data(), 47, 23, 47 * 4, 4, 0, 0, pfVideoSample, false};
+    const bool done = service->Resize(&src, &dst, 2) == 1u && service->FlipFrame(&dst) == 1u;
+    return done ? scaled : std::vector<uint8_t>();
 }
 
 TEST(FrameServiceConcurrency, SharedServiceKeepsItsCountAndItsResults)
@@ -37,12 +31,8 @@ TEST(FrameServiceConcurrency, SharedServiceKeepsItsCountAndItsResults)
     // What each thread's work gives when done alone.
     std::vector<std::vector<uint8_t>> expected;
     for (int t = 0; t < kThreads; ++t) {
-        std::vector<uint8_t> source = Gradient(31, 17, t);
-        std::vector<uint8_t> scaled(47 * 23 * 4);
-        FrameParams src = Record(source, 31, 17), dst = Record(scaled, 47, 23);
-        ASSERT_EQ(service->Resize(&src, &dst, 2), 1u);
-        ASSERT_EQ(service->FlipFrame(&dst), 1u);
-        expected.push_back(scaled);
+        expected.push_back(ResizedAndFlipped(service, t));
+        ASSERT_FALSE(expected.back().empty());
     }
 
     std::vector<std::vector<uint8_t>> results(kThreads);
@@ -53,12 +43,7 @@ TEST(FrameServiceConcurrency, SharedServiceKeepsItsCountAndItsResults)
                 IFrameProcessor* held = nullptr;
                 service->QueryInterface(IID_FrameProcessor, reinterpret_cast<void**>(&held));
                 service->AddRef();
-                std::vector<uint8_t> source = Gradient(31, 17, t);
-                std::vector<uint8_t> scaled(47 * 23 * 4);
-                FrameParams src = Record(source, 31, 17), dst = Record(scaled, 47, 23);
-                held->Resize(&src, &dst, 2);
-                held->FlipFrame(&dst);
-                results[t] = scaled;
+                results[t] = ResizedAndFlipped(held, t);
                 held->Release();
                 service->Release();
             }

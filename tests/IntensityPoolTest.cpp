@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 #include <vector>
 
 #include "../Common/Frame.h"
@@ -91,44 +92,25 @@ TEST(IntensityPool, FrameRequestCarriesIndexTimeAndTheCallersRecord)
 {
     TestHost::Clip clip = GreyClip({0.2f, 0.3f, 0.4f, 0.5f, 0.6f, 0.7f, 0.8f, 0.9f});
     TestHost::InProcessHost host(clip);
-    RenderInfo info = {};
-    info.nSize = 40;   // whatever the caller's record says, a request is 64 bytes
-    info.dwFlags = 0x4;
-    info.qwPassThrough = 0x0123456789ABCDEFull;
-    info.dTime = 9.9;
-    info.dClipLength = 0.32;
-    info.dFrameRate = 25.0;
-    info.dFactor1 = 0.5;
-    info.nFrameIndex = 77;
-    info.nField = 2;
-    info.nPadding = 0x55;
-    info.dFactor2 = 2.0;
-
+    // Whatever the caller's record says, a request is 64 bytes: size, flags, pass-through, time,
+    // clip length, rate, factor, index, field, padding, factor.
+    RenderInfo info = {40, 0x4, 0x0123456789ABCDEFull, 9.9, 0.32, 25.0, 0.5, 77, 2, 0x55, 2.0};
     CFrame frame;
     frame.m_pfPixelFormat = pfVideoSampleFloat;
     void* handle = CDeglarer::GetFrameByIndex(7, frame, &host, &info);
     ASSERT_NE(handle, nullptr);
     const std::vector<TestHost::InProcessHost::FrameRequest> requests = host.FrameRequests();
     ASSERT_EQ(requests.size(), 1u);
-    const RenderInfo& request = requests[0].info;
-    EXPECT_EQ(request.nSize, 64u);
-    EXPECT_EQ(request.dwFlags, 0x14u);
-    EXPECT_EQ(request.qwPassThrough, info.qwPassThrough);
-    EXPECT_EQ(request.dTime, 7 / 25.0);
-    EXPECT_EQ(request.dClipLength, 0.32);
-    EXPECT_EQ(request.dFrameRate, 25.0);
-    EXPECT_EQ(request.dFactor1, 1.0);
-    EXPECT_EQ(request.dFactor2, 1.0);
-    EXPECT_EQ(request.nFrameIndex, 7);
-    EXPECT_EQ(request.nField, 2);
+    const RenderInfo& r = requests[0].info;
+    EXPECT_EQ(std::tie(r.nSize, r.dwFlags, r.qwPassThrough, r.dTime, r.dClipLength, r.dFrameRate, r.dFactor1,
+                       r.dFactor2, r.nFrameIndex, r.nField),
+              std::make_tuple(64u, 0x14u, info.qwPassThrough, 7 / 25.0, 0.32, 25.0, 1.0, 1.0, 7, int16_t{2}));
     // The frame asked for names only its format, with no buffer.
     const FrameParams& asked = requests[0].frame;
-    EXPECT_EQ(asked.pBuffer, nullptr);
-    EXPECT_EQ(asked.nWidth, 0);
-    EXPECT_EQ(asked.nHeight, 0);
-    EXPECT_EQ(asked.pfFormat, pfVideoSampleFloat);
+    EXPECT_EQ(std::tie(asked.pBuffer, asked.nWidth, asked.nHeight, asked.pfFormat),
+              std::make_tuple(static_cast<uint8_t*>(nullptr), 0, 0, pfVideoSampleFloat));
     // The host's memory is wrapped, not copied.
-    EXPECT_NE(frame.m_pBuffer, nullptr);
+    ASSERT_NE(frame.m_pBuffer, nullptr);
     EXPECT_NE(frame.m_pBuffer, clip.Frame(7));
     EXPECT_EQ(std::memcmp(frame.m_pBuffer, clip.Frame(7), clip.FrameBytes()), 0);
     EXPECT_EQ(frame.m_nWidth, 8);
@@ -142,11 +124,10 @@ TEST(IntensityPool, FrameRequestCarriesIndexTimeAndTheCallersRecord)
     untouched.m_nWidth = 123;
     host.SetUndeliverable(3);
     EXPECT_EQ(CDeglarer::GetFrameByIndex(3, untouched, &host, &info), nullptr);
-    EXPECT_EQ(untouched.m_nWidth, 123);
-    EXPECT_EQ(untouched.m_pBuffer, nullptr);
-    EXPECT_EQ(untouched.m_pfPixelFormat, pfVideoSampleSwapped);
     EXPECT_EQ(CDeglarer::GetFrameByIndex(3, untouched, nullptr, &info), nullptr);
     EXPECT_EQ(CDeglarer::GetFrameByIndex(3, untouched, &host, nullptr), nullptr);
+    EXPECT_EQ(std::tie(untouched.m_nWidth, untouched.m_pBuffer, untouched.m_pfPixelFormat),
+              std::make_tuple(123, static_cast<uint8_t*>(nullptr), pfVideoSampleSwapped));
     EXPECT_EQ(host.FetchCount(), 2u);
 }
 

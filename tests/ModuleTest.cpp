@@ -63,6 +63,7 @@ TEST_F(ModuleTest, LibrarySlotsInOrder)
     EXPECT_STREQ(CallSlot<const char*>(library, 5), "Tessarel Deglarer Pro");
     EXPECT_EQ(CallSlot<uint32_t>(library, 1), 2u);
     EXPECT_EQ(CallSlot<uint32_t>(library, 2), 1u);
+    EXPECT_EQ(CallSlot<void*>(library, 8), nullptr);   // no services offered yet
     void* effect = CallSlot<void*>(library, 6, 0u);
     ASSERT_NE(effect, nullptr);
     EXPECT_EQ(CallSlot<void*>(library, 6, 1u), nullptr);
@@ -97,13 +98,6 @@ TEST_F(ModuleTest, LibrarySlotsInOrder)
     EXPECT_EQ(CallSlot<uint32_t>(effect, 2), 0u);
     EXPECT_EQ(CallSlot<uint32_t>(library, 2), 0u);
     EXPECT_TRUE(module->CanUnload());
-}
-
-TEST_F(ModuleTest, ServicesNotYetOfferedAreNull)
-{
-    IEffectLibrary* library = module->GetEffectsLibrary();
-    EXPECT_EQ(library->GetLibraryServices(), nullptr);
-    library->Release();
 }
 
 TEST_F(ModuleTest, RendersThroughTheModuleOnBothPathsAndBalancesTheHost)

@@ -17,12 +17,6 @@ namespace
 
 const int kSse41 = 3;
 
-bool HasSse41()
-{
-    const std::vector<int> indices = RunnableVariantIndices();
-    return std::find(indices.begin(), indices.end(), kSse41) != indices.end();
-}
-
 // Runs a member at the plain and at the SSE4.1 index into two destinations of `bytes` bytes,
 // both first filled with the same sentinel, and gives the offset of the first differing byte, or
 // -1 when all agree. The destinations are kept from call to call.
@@ -51,32 +45,20 @@ private:
     std::vector<uint8_t> m_fast;
 };
 
-TEST(PixelExhaustiveTest, PremultiplyAgreesForEveryValueAndAlpha)
-{
-    if (!HasSse41())
-        GTEST_SKIP() << "no SSE4.1";
-    // Row a holds every value v in its three colours (rotated, so each channel sees each value).
-    std::vector<uint8_t> src(256 * 256 * 4);
-    for (int a = 0; a < 256; ++a)
-        for (int v = 0; v < 256; ++v) {
-            uint8_t* p = &src[(a * 256 + v) * 4];
-            p[0] = static_cast<uint8_t>(v);
-            p[1] = static_cast<uint8_t>(v + 85);
-            p[2] = static_cast<uint8_t>(v + 170);
-            p[3] = static_cast<uint8_t>(a);
-        }
-    const long at = VariantComparison(src.size()).FirstDifference([&](uint8_t* d) {
-        return ippiAlphaPremul_8u_AC4R(src.data(), 256 * 4, d, 256 * 4, {256, 256});
-    });
-    EXPECT_EQ(-1, at) << "pixel " << at / 4;
-}
+class PixelExhaustiveTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        const std::vector<int> indices = RunnableVariantIndices();
+        if (std::find(indices.begin(), indices.end(), kSse41) == indices.end())
+            GTEST_SKIP() << "no SSE4.1";
+    }
+};
 
-// Over depends on (s1, a) and on (a, s2, b); over premultiplied on s1 and (a, s2). Pictures for
-// each a cover every (s2, b) with s1 running through every value beside them.
-TEST(PixelExhaustiveTest, CompositeOverAgreesForEveryAlphaAndValueCombination)
+// Over depends on (s1, a) and on (a, s2, b); over premultiplied on s1 and (a, s2); premultiply on
+// (s1, a). Pictures for each a cover every (s2, b) with s1 running through every value beside them.
+TEST_F(PixelExhaustiveTest, CompositeOverAndPremultiplyAgreeForEveryAlphaAndValueCombination)
 {
-    if (!HasSse41())
-        GTEST_SKIP() << "no SSE4.1";
     std::vector<uint8_t> first(256 * 256 * 4);
     std::vector<uint8_t> second(256 * 256 * 4);
     VariantComparison comparison(first.size());
@@ -99,15 +81,17 @@ TEST(PixelExhaustiveTest, CompositeOverAgreesForEveryAlphaAndValueCombination)
             });
             ASSERT_EQ(-1, at) << "type " << type << ", alpha " << a << ", pixel " << at / 4;
         }
+        const long at = comparison.FirstDifference([&](uint8_t* d) {
+            return ippiAlphaPremul_8u_AC4R(first.data(), 256 * 4, d, 256 * 4, {256, 256});
+        });
+        ASSERT_EQ(-1, at) << "premultiply, alpha " << a << ", pixel " << at / 4;
     }
 }
 
 // Blue depends on (Y, Cb), red on (Y, Cr), green on all three. For each Cb, 256 rows of one Cr
 // each hold every Y.
-TEST(PixelExhaustiveTest, YCbCrToBgrAgreesForEveryTriple)
+TEST_F(PixelExhaustiveTest, YCbCrToBgrAgreesForEveryTriple)
 {
-    if (!HasSse41())
-        GTEST_SKIP() << "no SSE4.1";
     std::vector<uint8_t> src(256 * 256 * 2);
     VariantComparison comparison(256 * 256 * 4);
     for (int cb = 0; cb < 256; ++cb) {
@@ -126,35 +110,11 @@ TEST(PixelExhaustiveTest, YCbCrToBgrAgreesForEveryTriple)
     }
 }
 
-// Luma depends on one pixel's (B, G, R); for each R, 256 rows of one G each hold every B.
-TEST(PixelExhaustiveTest, BgrToYCbCrLumaAgreesForEveryTriple)
+// Chroma depends on the pair sums of B, G and R, each 0 to 510; luma on one pixel's (B, G, R). For
+// each blue sum, 511 rows of one green sum each hold every red sum, split over the pair as unevenly
+// as bytes allow, so that each pixel of a pair also runs through every triple.
+TEST_F(PixelExhaustiveTest, BgrToYCbCrAgreesForEveryTripleAndPairSum)
 {
-    if (!HasSse41())
-        GTEST_SKIP() << "no SSE4.1";
-    std::vector<uint8_t> src(256 * 256 * 4);
-    VariantComparison comparison(256 * 256 * 2);
-    for (int r = 0; r < 256; ++r) {
-        for (int g = 0; g < 256; ++g)
-            for (int b = 0; b < 256; ++b) {
-                uint8_t* p = &src[(g * 256 + b) * 4];
-                p[0] = static_cast<uint8_t>(b);
-                p[1] = static_cast<uint8_t>(g);
-                p[2] = static_cast<uint8_t>(r);
-                p[3] = static_cast<uint8_t>(b ^ g);
-            }
-        const long at = comparison.FirstDifference([&](uint8_t* d) {
-            return ippiBGRToYCbCr422_8u_AC4C2R(src.data(), 256 * 4, d, 256 * 2, {256, 256});
-        });
-        ASSERT_EQ(-1, at) << "R " << r << ", byte " << at;
-    }
-}
-
-// Chroma depends on the pair sums of B, G and R, each 0 to 510. For each blue sum, 511 rows of one
-// green sum each hold every red sum, split over the pair as unevenly as bytes allow.
-TEST(PixelExhaustiveTest, BgrToYCbCrChromaAgreesForEveryPairSum)
-{
-    if (!HasSse41())
-        GTEST_SKIP() << "no SSE4.1";
     const int sums = 511;
     std::vector<uint8_t> src(sums * sums * 8);
     VariantComparison comparison(static_cast<size_t>(sums) * sums * 4);

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <memory>
 
+#include "../host/CallSlot.h"
 #include "../host/ModuleLoader.h"
 #include "../include/EffectPreset.h"
 #include "../include/InterfaceIds.h"
@@ -13,23 +13,12 @@
 
 namespace {
 
+using TestHost::CallSlot;
 using TestHost::ModuleLoader;
 
-template <typename Result, typename... Args>
-Result CallSlot(void* object, int slot, Args... args)
-{
-    using Function = Result (*)(void*, Args...);
-    Function* table = *static_cast<Function**>(object);
-    return table[slot](object, args...);
-}
-
-// IUnknown slots 0-2, two destructor slots, then 5 Load and 6 Save.
-const int kQueryInterfaceSlot = 0;
-const int kAddRefSlot = 1;
-const int kReleaseSlot = 2;
-const int kLoadSlot = 5;
-const int kSaveSlot = 6;
-const int kGetPresetSaverSlot = 10;
+// The library's slot 10 is GetPresetSaver; the saver's IUnknown slots 0-2, two destructor slots,
+// then 5 Load and 6 Save.
+enum Slot { kQueryInterface = 0, kAddRef = 1, kRelease = 2, kLoad = 5, kSave = 6, kGetPresetSaver = 10 };
 
 TEST(PresetModule, SaverComesFromTheLibraryAndAnswersThroughItsSlots)
 {
@@ -38,28 +27,25 @@ TEST(PresetModule, SaverComesFromTheLibraryAndAnswersThroughItsSlots)
     IEffectLibrary* library = module.GetEffectsLibrary();
     ASSERT_NE(library, nullptr);
 
-    void* saver = CallSlot<void*>(library, kGetPresetSaverSlot);
-    void* other = CallSlot<void*>(library, kGetPresetSaverSlot);
-    ASSERT_NE(saver, nullptr);
-    ASSERT_NE(other, nullptr);
-    EXPECT_NE(saver, other);
-    EXPECT_EQ(CallSlot<uint32_t>(other, kReleaseSlot), 0u);
+    void* saver = CallSlot<void*>(library, kGetPresetSaver);
+    void* other = CallSlot<void*>(library, kGetPresetSaver);
+    ASSERT_TRUE(saver != nullptr && other != nullptr && saver != other);
+    EXPECT_EQ(CallSlot<uint32_t>(other, kRelease), 0u);
 
     void* same = nullptr;
-    EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterfaceSlot, &IID_PresetSaver, &same), 0);
+    EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterface, &IID_PresetSaver, &same), 0);
     EXPECT_EQ(same, saver);
-    EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterfaceSlot, &IID_IUnknown, &same), 0);
+    EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterface, &IID_IUnknown, &same), 0);
     EXPECT_EQ(same, saver);
-    EXPECT_EQ(CallSlot<uint32_t>(saver, kAddRefSlot), 4u);
-    EXPECT_EQ(CallSlot<uint32_t>(saver, kReleaseSlot), 3u);
-    EXPECT_EQ(CallSlot<uint32_t>(saver, kReleaseSlot), 2u);
-    EXPECT_EQ(CallSlot<uint32_t>(saver, kReleaseSlot), 1u);
+    EXPECT_EQ(CallSlot<uint32_t>(saver, kAddRef), 4u);
+    for (uint32_t left : {3u, 2u, 1u})
+        EXPECT_EQ(CallSlot<uint32_t>(saver, kRelease), left);
     for (const _GUID* other : {&IID_EffectLibrary, &IID_VideoEffect, &IID_FrameProcessor, &IID_IMultiLingual}) {
         void* refused = saver;
-        EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterfaceSlot, other, &refused), static_cast<int32_t>(0x80004002u));
+        EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterface, other, &refused), static_cast<int32_t>(0x80004002u));
         EXPECT_EQ(refused, nullptr);
     }
-    EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterfaceSlot, &IID_PresetSaver, static_cast<void**>(nullptr)),
+    EXPECT_EQ(CallSlot<int32_t>(saver, kQueryInterface, &IID_PresetSaver, static_cast<void**>(nullptr)),
               static_cast<int32_t>(0x80004005u));
 
     // Without a preset nothing is asked; with one the headless panel cancels, and the preset is
@@ -72,16 +58,16 @@ TEST(PresetModule, SaverComesFromTheLibraryAndAnswersThroughItsSlots)
         return CallSlot<int, OpaqueWindowPtr*, IEffectLibrary*, unsigned int, CEffectPreset*, char*>(
             saver, slot, nullptr, library, 0u, record, nullptr);
     };
-    EXPECT_EQ(call(kSaveSlot, nullptr), 1);
-    EXPECT_EQ(call(kSaveSlot, &preset), 1);
-    EXPECT_EQ(call(kLoadSlot, &preset), 1);
+    EXPECT_EQ(call(kSave, nullptr), 1);
+    EXPECT_EQ(call(kSave, &preset), 1);
+    EXPECT_EQ(call(kLoad, &preset), 1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(std::memcmp(&preset, &before, sizeof preset), 0);
 
     // The saver doesn't hold the module: only library objects do.
     EXPECT_EQ(library->Release(), 0u);
     EXPECT_TRUE(module.CanUnload());
-    EXPECT_EQ(CallSlot<uint32_t>(saver, kReleaseSlot), 0u);
+    EXPECT_EQ(CallSlot<uint32_t>(saver, kRelease), 0u);
 }
 
 } // namespace

@@ -35,20 +35,14 @@ public:
     GuardedFrame(PixelFormat format, int width, int height, int depth, GuardedBlock::Guard guard)
         : m_block(static_cast<size_t>(width) * depth * height, guard)
     {
+        // Floats of 0.125 to 0.875 in every whole word; byte operations take their bytes as they come.
         const size_t bytes = static_cast<size_t>(width) * depth * height;
-        const bool floats = format == pfVideoSampleFloat || format == pfVideoSampleSwappedFloat || format == pfMonoFloat;
-        if (floats) {
-            for (size_t i = 0; i < bytes / sizeof(float); ++i) {
-                const float sample = static_cast<float>(i % 7) / 8.0f + 0.125f;
-                std::memcpy(m_block.Data() + i * sizeof(float), &sample, sizeof sample);
-            }
-        } else {
-            for (size_t i = 0; i < bytes; ++i)
-                m_block.Data()[i] = static_cast<uint8_t>(i * 29 + 3);
+        for (size_t i = 0; i < bytes / sizeof(float); ++i) {
+            const float sample = static_cast<float>(i % 7) / 8.0f + 0.125f;
+            std::memcpy(m_block.Data() + i * sizeof(float), &sample, sizeof sample);
         }
         m_frame.Init(m_block.Data(), width, height, width * depth, depth, format, false);
     }
-    CFrame* operator->() { return &m_frame; }
     CFrame* Get() { return &m_frame; }
 
 private:
@@ -105,12 +99,13 @@ std::vector<GuardedCase> Cases()
         add("set colour", format, format, 0, [](CFrame*, CFrame* d) { return CSetColor().Process(d, 0x80402010u); });
         add("fill border", format, format, 2, [](CFrame* s, CFrame* d) { return CFillBorder().Process(s, d, 2, 1); });
     }
-    add("copy plane out", pfVideoSample, pfMono8, 0, [](CFrame* s, CFrame* d) { return CCopyPlane().Process(s, d, 3, 0); });
-    add("copy plane in", pfMono8, pfVideoSample, 0, [](CFrame* s, CFrame* d) { return CCopyPlane().Process(s, d, 0, 3); });
-    add("copy plane out", pfVideoSampleFloat, pfMonoFloat, 0,
-        [](CFrame* s, CFrame* d) { return CCopyPlane().Process(s, d, 3, 0); });
-    add("copy plane in", pfMonoFloat, pfVideoSampleSwappedFloat, 0,
-        [](CFrame* s, CFrame* d) { return CCopyPlane().Process(s, d, 0, 3); });
+    const PixelFormat planes[][2] = {{pfVideoSample, pfMono8}, {pfVideoSampleSwappedFloat, pfMonoFloat}};
+    for (const auto& pair : planes) {
+        add("copy plane out", pair[0], pair[1], 0,
+            [](CFrame* s, CFrame* d) { return CCopyPlane().Process(s, d, 3, 0); });
+        add("copy plane in", pair[1], pair[0], 0,
+            [](CFrame* s, CFrame* d) { return CCopyPlane().Process(s, d, 0, 3); });
+    }
     const PixelFormat conversions[][2] = {{pfVideoSample, pfVideoSampleFloat},
                                           {pfVideoSampleSwapped, pfVideoSampleSwappedFloat},
                                           {pfVideoSample, pfVideoSampleSwappedFloat},

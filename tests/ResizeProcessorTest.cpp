@@ -2,35 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <random>
 #include <vector>
 
 #include "../Common/Frame.h"
 #include "../Common/Resize.h"
 #include "../primitives/ippResize.h"
+#include "ProcessorTestFrame.h"
 #include "ResizeTestPicture.h"
 
 namespace {
-
-const uint8_t kSentinel = 0xCD;
-
-// A frame over memory of its own, rows padded, filled with the sentinel.
-struct TestFrame {
-    TestFrame(int width, int height, int depth, PixelFormat format)
-        : span(width * depth + 8), bytes(static_cast<size_t>(span) * height, kSentinel)
-    {
-        frame.Init(bytes.data(), width, height, span, depth, format, false);
-    }
-    void FillRandom(std::mt19937& rng, bool floats) { ::FillRandom(bytes.data(), bytes.size(), !floats, rng); }
-    uint8_t* Pixel(int x, int y)
-    {
-        return bytes.data() + static_cast<size_t>(y) * span + static_cast<size_t>(x) * frame.m_nDepth;
-    }
-
-    int span;
-    std::vector<uint8_t> bytes;
-    CFrame frame;
-};
 
 struct Format {
     int depth;
@@ -44,99 +24,72 @@ const Format kFormats[] = {
     {4, pfMonoFloat, 1, true},
 };
 
-tagRECT Rect(int left, int top, int right, int bottom)
-{
-    return {left, top, right, bottom};
-}
-
 // What the pixel-area member gives for the rectangles as pictures of their own.
 std::vector<uint8_t> Direct(TestFrame& src, tagRECT srcRect, TestFrame& dst, tagRECT dstRect, const Format& format,
-                            int interpolation, double xFactor, double yFactor, double xShift, double yShift)
+                            int interpolation, double xFactor, double yFactor)
 {
-    std::vector<uint8_t> out = dst.bytes;
+    std::vector<uint8_t> out = dst.Memory();
     const IppiSize srcSize = {srcRect.right - srcRect.left, srcRect.bottom - srcRect.top};
     const IppiRect srcRoi = {0, 0, srcSize.width, srcSize.height};
     const IppiRect dstRoi = {0, 0, dstRect.right - dstRect.left, dstRect.bottom - dstRect.top};
     int bytes = 0;
     EXPECT_EQ(ippiResizeGetBufSize(srcRoi, dstRoi, format.channels, interpolation, &bytes), ippStsNoErr);
     std::vector<uint8_t> work(bytes);
-    uint8_t* dstStart = out.data() + static_cast<size_t>(dstRect.top) * dst.span +
-                        static_cast<size_t>(dstRect.left) * format.depth;
-    const Call call = {srcSize, src.span, srcRoi, dst.span, dstRoi, xFactor, yFactor, xShift, yShift, interpolation};
-    EXPECT_EQ(RunMember({true, !format.floats, format.channels}, call, src.Pixel(srcRect.left, srcRect.top), dstStart,
-                  work.data()),
+    const Call call = {srcSize, src->m_nByteSpan, srcRoi, dst->m_nByteSpan, dstRoi, xFactor, yFactor, 0, 0,
+                       interpolation};
+    const uint8_t* srcStart = &src.Memory()[src.Offset(srcRect.left, srcRect.top)];
+    EXPECT_EQ(RunMember({true, !format.floats, format.channels}, call, srcStart,
+                        &out[dst.Offset(dstRect.left, dstRect.top)], work.data()),
               ippStsNoErr);
     return out;
 }
 
 TEST(ResizeProcessor, EqualRectanglesWithFactorsZeroCopyExactly)
 {
-    std::mt19937 rng(41);
     for (const Format& f : kFormats)
         for (int interpolation = 0; interpolation < 4; ++interpolation) {
-            TestFrame src(12, 10, f.depth, f.format), dst(12, 10, f.depth, f.format);
-            src.FillRandom(rng, f.floats);
-            ASSERT_TRUE(Processors::CResize().Process(&src.frame, &dst.frame, Rect(1, 2, 11, 10), Rect(1, 2, 11, 10),
+            TestFrame src(f.format, 12, 10, f.depth), dst(f.format, 12, 10, f.depth);
+            src.FillPattern();
+            std::vector<uint8_t> expected = dst.Memory();
+            for (int y = 2; y < 10; ++y)
+                std::memcpy(&expected[dst.Offset(1, y)], &src.Memory()[src.Offset(1, y)], 10 * f.depth);
+            ASSERT_TRUE(Processors::CResize().Process(src.Get(), dst.Get(), {1, 2, 11, 10}, {1, 2, 11, 10},
                                                       interpolation, 0.0, 0.0, 0.0, 0.0));
-            for (int y = 0; y < 10; ++y)
-                for (int x = 0; x < 12; ++x) {
-                    const bool inside = x >= 1 && x < 11 && y >= 2;
-                    const uint8_t* expected = inside ? src.Pixel(x, y) : nullptr;
-                    for (int b = 0; b < f.depth; ++b)
-                        ASSERT_EQ(dst.Pixel(x, y)[b], inside ? expected[b] : kSentinel)
-                            << f.format << " depth " << f.depth << " at " << x << "," << y;
-                }
+            ASSERT_EQ(dst.Memory(), expected) << f.format << " depth " << f.depth << " interpolation " << interpolation;
         }
 }
 
-// Each format reaches the member of its depth and channels, with the rectangles' first pixels
-// as picture origins, and the argument's interpolation; 3 is Lanczos here, 7 linear.
+// Each format reaches the member of its depth and channels, with the rectangles as pictures of
+// their own (nothing outside the source rectangle is read), and the argument's interpolation; 3 is
+// Lanczos here, 7 linear.
 TEST(ResizeProcessor, TakesMemberByFormatAndTranslatesInterpolation)
 {
     const int translations[][2] = {{0, IPPI_INTER_NN},       {1, IPPI_INTER_LINEAR}, {2, IPPI_INTER_CUBIC},
                                    {3, IPPI_INTER_LANCZOS}, {7, IPPI_INTER_LINEAR}, {-1, IPPI_INTER_LINEAR}};
-    std::mt19937 rng(43);
     for (const Format& f : kFormats)
         for (const auto& translation : translations) {
-            TestFrame src(14, 13, f.depth, f.format), dst(30, 25, f.depth, f.format);
-            src.FillRandom(rng, f.floats);
-            const tagRECT srcRect = Rect(2, 3, 12, 12), dstRect = Rect(3, 1, 29, 24);
+            TestFrame src(f.format, 14, 13, f.depth), dst(f.format, 30, 25, f.depth);
+            src.FillPattern();
+            const tagRECT srcRect = {2, 3, 12, 12}, dstRect = {3, 1, 29, 24};
             const std::vector<uint8_t> expected =
-                Direct(src, srcRect, dst, dstRect, f, translation[1], 2.6, 23.0 / 9, 0.0, 0.0);
-            ASSERT_TRUE(Processors::CResize().Process(&src.frame, &dst.frame, srcRect, dstRect, translation[0], 0.0,
+                Direct(src, srcRect, dst, dstRect, f, translation[1], 2.6, 23.0 / 9);
+            ASSERT_TRUE(Processors::CResize().Process(src.Get(), dst.Get(), srcRect, dstRect, translation[0], 0.0,
                                                       0.0, 0.0, 0.0));
-            EXPECT_EQ(dst.bytes, expected) << f.format << " depth " << f.depth << " argument " << translation[0];
+            EXPECT_EQ(dst.Memory(), expected) << f.format << " depth " << f.depth << " argument " << translation[0];
         }
-}
-
-// Outside the source rectangle nothing is read: its pixels can't change the result.
-TEST(ResizeProcessor, ReadsOnlyInsideSourceRectangle)
-{
-    std::mt19937 rng(47);
-    TestFrame src(12, 12, 4, pfVideoSample), dst(20, 20, 4, pfVideoSample), again(20, 20, 4, pfVideoSample);
-    src.FillRandom(rng, false);
-    const tagRECT srcRect = Rect(3, 4, 9, 10);
-    ASSERT_TRUE(Processors::CResize().Process(&src.frame, &dst.frame, srcRect, Rect(0, 0, 20, 20), 3, 0, 0, 0, 0));
-    for (int y = 0; y < 12; ++y)
-        for (int x = 0; x < 12; ++x)
-            if (x < 3 || x >= 9 || y < 4 || y >= 10)
-                std::memset(src.Pixel(x, y), 255 * (x % 2), 4);
-    ASSERT_TRUE(Processors::CResize().Process(&src.frame, &again.frame, srcRect, Rect(0, 0, 20, 20), 3, 0, 0, 0, 0));
-    EXPECT_EQ(dst.bytes, again.bytes);
 }
 
 // A given factor stands: the scaled picture fills only part of the rectangle, moved by the shift.
 TEST(ResizeProcessor, GivenFactorAndShiftLeaveRestOfRectangle)
 {
-    std::mt19937 rng(53);
-    TestFrame src(4, 4, 1, pfMono8), dst(12, 12, 1, pfMono8);
-    src.FillRandom(rng, false);
-    ASSERT_TRUE(Processors::CResize().Process(&src.frame, &dst.frame, Rect(0, 0, 4, 4), Rect(2, 2, 12, 12), 1, 1.0,
-                                              1.0, 3.0, 1.0));
+    TestFrame src(pfMono8, 4, 4, 1), dst(pfMono8, 12, 12, 1);
+    src.FillPattern();
+    ASSERT_TRUE(
+        Processors::CResize().Process(src.Get(), dst.Get(), {0, 0, 4, 4}, {2, 2, 12, 12}, 1, 1.0, 1.0, 3.0, 1.0));
     for (int y = 0; y < 12; ++y)
         for (int x = 0; x < 12; ++x) {
             const bool written = x >= 5 && x < 9 && y >= 3 && y < 7;
-            ASSERT_EQ(*dst.Pixel(x, y), written ? *src.Pixel(x - 5, y - 3) : kSentinel) << x << "," << y;
+            ASSERT_EQ(dst.Byte(x, y, 0), written ? src.Byte(x - 5, y - 3, 0) : TestFrame::kSentinel) << x << "," << y;
         }
 }
 
@@ -152,36 +105,34 @@ TEST(ResizeProcessor, RefusesWithoutWritingOrIgnoresUnknownFormats)
         bool result;
         int dstSpan = 0;   // 0: the frame's own
     };
-    const tagRECT whole = Rect(0, 0, 8, 8);
+    const tagRECT whole = {0, 0, 8, 8};
     const Case cases[] = {
         {"depths differ", 4, pfVideoSample, 16, false, whole, whole, false},
         {"depth 2 has no resize", 2, pfVideoSample, 2, false, whole, whole, true},
         {"format 2 at depth 4", 4, static_cast<PixelFormat>(2), 4, false, whole, whole, true},
         {"byte format at depth 16", 16, pfVideoSample, 16, false, whole, whole, true},
         {"no source pixels", 4, pfVideoSample, 4, true, whole, whole, false},
-        {"empty source rectangle", 4, pfVideoSample, 4, false, Rect(3, 3, 3, 8), whole, false},
-        {"reversed destination rectangle", 4, pfVideoSample, 4, false, whole, Rect(5, 0, 2, 8), false},
-        {"source rectangle past the frame", 4, pfVideoSample, 4, false, Rect(0, 0, 9, 8), whole, false},
-        {"destination rectangle before the frame", 4, pfVideoSample, 4, false, whole, Rect(-1, 0, 8, 8), false},
+        {"empty source rectangle", 4, pfVideoSample, 4, false, {3, 3, 3, 8}, whole, false},
+        {"reversed destination rectangle", 4, pfVideoSample, 4, false, whole, {5, 0, 2, 8}, false},
+        {"source rectangle past the frame", 4, pfVideoSample, 4, false, {0, 0, 9, 8}, whole, false},
+        {"destination rectangle before the frame", 4, pfVideoSample, 4, false, whole, {-1, 0, 8, 8}, false},
         {"rows shorter than the rectangle", 4, pfVideoSample, 4, false, whole, whole, false, 7 * 4},
     };
-    std::mt19937 rng(59);
     for (const Case& c : cases) {
-        TestFrame src(8, 8, c.srcDepth, c.srcFormat), dst(8, 8, c.dstDepth, c.srcFormat);
-        src.FillRandom(rng, false);
+        TestFrame src(c.srcFormat, 8, 8, c.srcDepth), dst(c.srcFormat, 8, 8, c.dstDepth);
+        src.FillPattern();
         if (c.nullBuffer)
-            src.frame.m_pBuffer = nullptr;
+            src->m_pBuffer = nullptr;
         if (c.dstSpan != 0)
-            dst.frame.m_nByteSpan = c.dstSpan;
-        const std::vector<uint8_t> before = dst.bytes;
-        EXPECT_EQ(Processors::CResize().Process(&src.frame, &dst.frame, c.srcRect, c.dstRect, 1, 0, 0, 0, 0),
+            dst->m_nByteSpan = c.dstSpan;
+        const std::vector<uint8_t> before = dst.Memory();
+        EXPECT_EQ(Processors::CResize().Process(src.Get(), dst.Get(), c.srcRect, c.dstRect, 1, 0, 0, 0, 0),
                   c.result)
             << c.what;
-        EXPECT_EQ(dst.bytes, before) << c.what;
+        EXPECT_EQ(dst.Memory(), before) << c.what;
     }
-    TestFrame frame(8, 8, 4, pfVideoSample);
-    EXPECT_FALSE(
-        Processors::CResize().Process(nullptr, &frame.frame, Rect(0, 0, 8, 8), Rect(0, 0, 8, 8), 1, 0, 0, 0, 0));
+    TestFrame frame(pfVideoSample, 8, 8, 4);
+    EXPECT_FALSE(Processors::CResize().Process(nullptr, frame.Get(), {0, 0, 8, 8}, {0, 0, 8, 8}, 1, 0, 0, 0, 0));
 }
 
 } // namespace
