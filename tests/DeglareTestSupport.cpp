@@ -160,6 +160,28 @@ std::vector<int> ShownFrames(const ReadClip& output, const ReadClip& input)
     return shown;
 }
 
+std::vector<int> ShownWith(int count, const std::map<int, int>& changed)
+{
+    std::vector<int> shown;
+    for (int index = 0; index < count; ++index)
+        shown.push_back(changed.count(index) != 0 ? changed.at(index) : index);
+    return shown;
+}
+
+std::string Told(const std::string& decision, int substitute)
+{
+    return decision == "replaced" ? "replaced by " + std::to_string(substitute) : decision;
+}
+
+std::vector<std::string> ToldFor(int count, const std::map<int, int>& replaced, const std::set<int>& spared)
+{
+    std::vector<std::string> told;
+    for (int index = 0; index < count; ++index)
+        told.push_back(replaced.count(index) != 0 ? Told("replaced", replaced.at(index))
+                                                  : spared.count(index) != 0 ? "spared" : "kept");
+    return told;
+}
+
 namespace {
 // Starts the program with its output going to the two files; everything the child needs is
 // made before the fork, so that it only calls what is safe there.

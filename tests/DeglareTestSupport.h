@@ -2,6 +2,8 @@
 // Helpers for the tests of the command-line host: clips made with FFmpeg's libraries, read
 // back frame by frame, and the deglare program run as a user would run it.
 #include <cstdint>
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -65,6 +67,15 @@ ReadClip ReadBack(const std::string& path);
 // Which input frame each output frame shows: its index among `input.frames`, or -1 if it
 // equals none of them.
 std::vector<int> ShownFrames(const ReadClip& output, const ReadClip& input);
+// What ShownFrames gives for a clip of `count` frames whose frames in `changed` show the frame
+// mapped to (-1 for a marked picture) and the others themselves.
+std::vector<int> ShownWith(int count, const std::map<int, int>& changed);
+
+// A frame's decision as the tests compare it: "kept", "spared" or "replaced by N".
+std::string Told(const std::string& decision, int substitute);
+// The decisions of `count` frames whose frames in `replaced` take the frame mapped to and those
+// in `spared` are flagged but kept.
+std::vector<std::string> ToldFor(int count, const std::map<int, int>& replaced, const std::set<int>& spared);
 
 // The deglare program run with `arguments`, its exit status and what it printed.
 struct ProgramRun {
