@@ -6,8 +6,8 @@
 #include <sstream>
 
 #include "../host/deglare/EffectModule.h"
-#include "../host/deglare/ExitStatus.h"
 #include "../host/deglare/Pipeline.h"
+#include "../host/deglare/ReportWriter.h"
 #include "../host/deglare/SliderPositions.h"
 #include "DeglareTestSupport.h"
 #include "ScriptedEffect.h"
@@ -32,11 +32,13 @@ protected:
         settings.threads = 2;
     }
 
-    RunResult Run(ScriptedEffect& effect)
+    RunResult Run(IVideoEffect* effect)
     {
         Console console(messages, false, true);
-        return Pipeline(&effect, console).Run(settings);
+        return Pipeline(effect, console).Run(settings);
     }
+
+    std::vector<int> Shown() { return ShownFrames(ReadBack(settings.output), ReadBack(input)); }
 
     TempFolder folder;
     std::string input;
@@ -44,25 +46,28 @@ protected:
     std::ostringstream messages;
 };
 
-std::vector<int> Identity(int count)
+std::vector<std::string> ToldOf(const RunResult& result)
 {
-    std::vector<int> frames;
-    for (int index = 0; index < count; ++index)
-        frames.push_back(index);
-    return frames;
+    std::vector<std::string> told;
+    for (const FrameRecord& record : result.frames)
+        told.push_back(Told(DecisionName(record.decision), record.substitute));
+    return told;
 }
 
+// Test mode encodes the marked pictures and still tells the substitute.
 TEST_F(PipelineTest, EncodesTheOriginalPictureOfTheFrameThatCameBack)
 {
     struct Case {
         const char* name;
-        bool sequential;
+        bool sequential, testMode;
         std::map<int, int> replacements;
+        std::map<int, int> shown;
     };
     // Without time access the effect can only show frames it saw before.
     const Case cases[] = {
-        {"time access", false, {{10, 9}, {20, 21}, {21, 22}}},
-        {"sequential", true, {{10, 9}, {20, 18}, {21, 18}}},
+        {"time access", false, false, {{10, 9}, {20, 21}, {21, 22}}, {{10, 9}, {20, 21}, {21, 22}}},
+        {"sequential", true, false, {{10, 9}, {20, 18}, {21, 18}}, {{10, 9}, {20, 18}, {21, 18}}},
+        {"test mode", false, true, {{10, 9}}, {{10, -1}, {15, -1}}},
     };
     for (const Case& test : cases) {
         SCOPED_TRACE(test.name);
@@ -70,48 +75,11 @@ TEST_F(PipelineTest, EncodesTheOriginalPictureOfTheFrameThatCameBack)
         effect.replacements = test.replacements;
         effect.spared = {15};
         settings.sequential = test.sequential;
-        const RunResult result = Run(effect);
-
-        const ReadClip before = ReadBack(input);
-        const ReadClip after = ReadBack(settings.output);
-        std::vector<int> expected = Identity(kFrames);
-        for (const auto& replacement : test.replacements)
-            expected[replacement.first] = replacement.second;
-        EXPECT_EQ(ShownFrames(after, before), expected);
-        ASSERT_EQ(after.frames.size(), before.frames.size());
-        for (size_t index = 0; index < before.frames.size(); ++index)
-            EXPECT_EQ(after.frames[index].pts, before.frames[index].pts) << "frame " << index;
-
-        ASSERT_EQ(result.frames.size(), static_cast<size_t>(kFrames));
-        for (const FrameRecord& record : result.frames) {
-            auto replacement = test.replacements.find(record.index);
-            if (replacement != test.replacements.end()) {
-                EXPECT_EQ(record.decision, Decision::Replaced) << "frame " << record.index;
-                EXPECT_EQ(record.substitute, replacement->second);
-            } else if (record.index == 15) {
-                EXPECT_EQ(record.decision, Decision::Spared);
-            } else {
-                EXPECT_EQ(record.decision, Decision::Kept) << "frame " << record.index;
-            }
-        }
+        settings.effect.testMode = test.testMode;
+        const RunResult result = Run(&effect);
+        EXPECT_EQ(Shown(), ShownWith(kFrames, test.shown));
+        EXPECT_EQ(ToldOf(result), ToldFor(kFrames, test.replacements, {15}));
     }
-}
-
-TEST_F(PipelineTest, TestModeEncodesMarkedPicturesAndStillTellsTheSubstitute)
-{
-    ScriptedEffect effect;
-    effect.replacements = {{10, 9}};
-    effect.spared = {15};
-    settings.effect.testMode = true;
-    const RunResult result = Run(effect);
-
-    std::vector<int> expected = Identity(kFrames);
-    expected[10] = -1;
-    expected[15] = -1;
-    EXPECT_EQ(ShownFrames(ReadBack(settings.output), ReadBack(input)), expected);
-    EXPECT_EQ(result.frames[10].decision, Decision::Replaced);
-    EXPECT_EQ(result.frames[10].substitute, 9);
-    EXPECT_EQ(result.frames[15].decision, Decision::Spared);
 }
 
 TEST_F(PipelineTest, AnalysisDecidesAndMeasuresWithoutWriting)
@@ -120,13 +88,10 @@ TEST_F(PipelineTest, AnalysisDecidesAndMeasuresWithoutWriting)
     effect.replacements = {{12, 11}};
     settings.analyze = true;
     settings.measure = true;
-    const RunResult result = Run(effect);
+    const RunResult result = Run(&effect);
 
-    EXPECT_FALSE(FileExists(settings.output));
     EXPECT_EQ(folder.Files(), std::vector<std::string>{"input.mkv"});
-    ASSERT_EQ(result.frames.size(), static_cast<size_t>(kFrames));
-    EXPECT_EQ(result.frames[12].decision, Decision::Replaced);
-    EXPECT_EQ(result.frames[12].substitute, 11);
+    EXPECT_EQ(ToldOf(result), ToldFor(kFrames, effect.replacements, {}));
     for (const FrameRecord& record : result.frames) {
         EXPECT_TRUE(record.measured);
         // Each frame is a scene of level 0.40 to 0.42 with a texture that averages out.
@@ -143,25 +108,18 @@ TEST_F(PipelineTest, FramesOutsideTheWindowAreDecodedApartAndOthersOnce)
     // A window of the least size, far smaller than the clip.
     settings.memoryBudget = 1;
     settings.threads = 1;
-    {
-        ScriptedEffect effect;
-        effect.replacements = {{5, 6}, {20, 19}};
-        const RunResult result = Run(effect);
-        EXPECT_LT(result.windowFrames, kFrames);
-        EXPECT_EQ(result.farDecodedFrames, 0) << "the common path decodes each frame once";
-    }
-    {
-        ScriptedEffect effect;
-        effect.replacements = {{27, 1}, {2, 29}};
-        effect.looksAt = {{4, {28, 27, 26}}, {25, {3, 2, 1, 0}}};
-        const RunResult result = Run(effect);
-        EXPECT_GT(result.farDecodedFrames, 0);
-        EXPECT_EQ(effect.MissedFetches(), 0);
-        std::vector<int> expected = Identity(kFrames);
-        expected[27] = 1;
-        expected[2] = 29;
-        EXPECT_EQ(ShownFrames(ReadBack(settings.output), ReadBack(input)), expected);
-    }
+    ScriptedEffect near;
+    near.replacements = {{5, 6}, {20, 19}};
+    const RunResult nearResult = Run(&near);
+    EXPECT_LT(nearResult.windowFrames, kFrames);
+    EXPECT_EQ(nearResult.farDecodedFrames, 0) << "the common path decodes each frame once";
+
+    ScriptedEffect far;
+    far.replacements = {{27, 1}, {2, 29}};
+    far.looksAt = {{4, {28, 27, 26}}, {25, {3, 2, 1, 0}}};
+    EXPECT_GT(Run(&far).farDecodedFrames, 0);
+    EXPECT_EQ(far.MissedFetches(), 0);
+    EXPECT_EQ(Shown(), ShownWith(kFrames, far.replacements));
 }
 
 // The window keeps behind the render only what "Max Frames" lets a substitute reach: a run of
@@ -179,8 +137,7 @@ TEST_F(PipelineTest, RealEffectFindsFarthestSubstitutesInTheWindow)
     settings.analyze = true;
     settings.effect.maxFramesPosition = MaxFramesPosition(10);
     EffectModule module(DEGLARER_BUNDLE_PATH);
-    Console console(messages, false, true);
-    const RunResult result = Pipeline(module.Effect(), console).Run(settings);
+    const RunResult result = Run(module.Effect());
 
     EXPECT_EQ(result.farDecodedFrames, 0);
     ASSERT_EQ(result.frames.size(), static_cast<size_t>(kFrames));
@@ -190,22 +147,6 @@ TEST_F(PipelineTest, RealEffectFindsFarthestSubstitutesInTheWindow)
                     result.frames[index].substitute == runStart + runLength)
             << "frame " << index;
     }
-}
-
-TEST_F(PipelineTest, InterruptionLeavesAnExistingOutputAlone)
-{
-    WriteFile(settings.output, "an older file");
-    std::atomic<bool> interrupted{true};
-    settings.interrupted = &interrupted;
-    ScriptedEffect effect;
-    try {
-        Run(effect);
-        FAIL() << "an interrupted run must fail";
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.Status(), ExitStatus::Interrupted);
-    }
-    EXPECT_EQ(ReadFile(settings.output), "an older file");
-    EXPECT_EQ(folder.Files(), (std::vector<std::string>{"input.mkv", "output.mkv"}));
 }
 
 } // namespace
