@@ -91,7 +91,6 @@ ProgramRun RunDeglare(const std::vector<std::string>& arguments, long fileSizeLi
 int StartDeglare(const std::vector<std::string>& arguments);
 int WaitForDeglare(int process);
 
-bool FileExists(const std::string& path);
 std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& content);
 
