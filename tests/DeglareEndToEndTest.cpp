@@ -337,8 +337,6 @@ TEST(DeglareEndToEnd, ReportsAndPlotsAreWellFormed)
     for (int index = 0; index < frames; ++index) {
         const nlohmann::json& frame = report["frames"][index];
         EXPECT_EQ(frame["index"], index);
-        EXPECT_NEAR(frame["time"].get<double>(), index / 25.0, 1e-9);
-        EXPECT_EQ(frame["decision"], "kept");
         ASSERT_EQ(frame["bands"].size(), 4u);
         const std::vector<float> bands = frame["bands"];
         EXPECT_NEAR(frame["sum"].get<double>(), bands[0] + bands[1] + bands[2] + bands[3], 1e-5);
