@@ -10,6 +10,7 @@
 
 #include "../DeglarerPro/IntensityMeasureReference.h"
 #include "../host/deglare/BandFigures.h"
+#include "../host/deglare/Console.h"
 #include "../host/deglare/DecodedFrame.h"
 #include "../host/deglare/DemoFootage.h"
 #include "../host/deglare/FlashRuns.h"
@@ -243,6 +244,12 @@ TEST(DeglareProgress, TellsFramesRateAndTimeLeft)
     EXPECT_EQ(Progress::Describe(1, 40000, 1.0, false), "1/40000 frames  1.0 fps  11:06:39 left");
     const std::string bar = Progress::Describe(15, 30, 3.0, true);
     EXPECT_EQ(bar.substr(0, 32), "[" + std::string(15, '#') + std::string(15, '.') + "]");
+    // Plain lines when standard error isn't a terminal, none with --quiet.
+    for (const bool quiet : {false, true}) {
+        std::ostringstream err;
+        Console(err, false, quiet).Progress("5/10 frames");
+        EXPECT_EQ(err.str(), quiet ? "" : "deglare: 5/10 frames\n");
+    }
 }
 
 TEST(DeglareMemory, PlanStaysInTheBudgetAndFourKFitsTwoGigabytes)
