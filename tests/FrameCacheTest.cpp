@@ -14,17 +14,6 @@ struct Tag {
     float value = 0.0f;
 };
 
-std::atomic<uint64_t> g_now{5000};
-uint64_t ManualClock() { return g_now.load(); }
-
-class ManualTime {
-public:
-    ManualTime() { Platform::SetMillisecondSourceForTesting(&ManualClock); }
-    ~ManualTime() { Platform::SetMillisecondSourceForTesting(nullptr); }
-    void Set(uint64_t now) { g_now = now; }
-    void Advance(uint64_t ms) { g_now += ms; }
-};
-
 // A picture of `width` x `height` BGRA bytes whose every byte is `fill`.
 struct Pixels {
     Pixels(int width, int height, uint8_t fill) : bytes(width * height * 4, fill)
@@ -33,6 +22,24 @@ struct Pixels {
     }
     std::vector<uint8_t> bytes;
     CFrame frame;
+};
+
+std::atomic<uint64_t> g_now{5000};
+uint64_t ManualClock() { return g_now.load(); }
+
+// A wrapper of 2-slot caches on a clock the test moves, held locked as the effect holds it.
+struct LockedWrapper {
+    LockedWrapper() { Platform::SetMillisecondSourceForTesting(&ManualClock); }
+    ~LockedWrapper() { Platform::SetMillisecondSourceForTesting(nullptr); }
+
+    CEffectsLibCache<Tag>* CacheOf(uint32_t key, bool create = true)
+    {
+        wrapper.m_nCacheKey = key;
+        return wrapper.GetCacheForCurrentThread(create).m_pCache;
+    }
+
+    CEffectsLibCacheMT<Tag> wrapper{2};
+    CCritSectLock lock{wrapper.m_Lock};
 };
 
 TEST(FrameCache, NewCacheIsEmptyAndOutOfRangeSlotsAnswerWithSharedNeutrals)
@@ -60,7 +67,7 @@ TEST(FrameCache, NewCacheIsEmptyAndOutOfRangeSlotsAnswerWithSharedNeutrals)
     none.Reset(0xFFFFFFFF);
 }
 
-TEST(FrameCache, SetFrameCopiesReusesAndEmpties)
+TEST(FrameCache, SetFrameCopiesReusesAndEmptiesAndResetClearsAllButThePresetCount)
 {
     CEffectsLibCache<Tag> cache(2);
     Pixels first(5, 4, 0x11);
@@ -88,39 +95,32 @@ TEST(FrameCache, SetFrameCopiesReusesAndEmpties)
     EXPECT_EQ(cache.GetFrame(1).m_nWidth, 9);
     EXPECT_EQ(cache.GetFrame(1).m_pBuffer[9 * 4 - 1], 0x33);
     EXPECT_EQ(cache.UserData(1).index, 11);
-
-    // An empty frame empties the slot even with a record given.
-    CFrame empty;
-    cache.SetFrame(empty, 1, &tag);
-    EXPECT_EQ(cache.GetFrame(1).m_pBuffer, nullptr);
-    EXPECT_EQ(cache.UserData(1).index, -1);
-
     cache.SetFrame(first.frame, 2, &tag);   // out of range: nothing
     EXPECT_EQ(cache.UserData(2).index, -1);
-}
 
-TEST(FrameCache, ResetClearsSlotsAndPresetButNotItsCount)
-{
-    CEffectsLibCache<Tag> cache(2);
-    Pixels picture(2, 2, 9);
-    Tag tag{3, 2.0f};
-    cache.SetFrame(picture.frame, 0, &tag);
-    cache.SetFrame(picture.frame, 1, &tag);
+    // Reset: out of range nothing, one slot only that slot, all slots the preset values too.
+    cache.SetFrame(first.frame, 0, &tag);
     cache.m_nPresetCount = 3;
     cache.m_Preset[0].dwType = 2;
-    cache.m_Preset[0].value.fValue = 0.5f;
-
-    cache.Reset(5);   // out of range: nothing
-    EXPECT_EQ(cache.UserData(0).index, 3);
+    cache.Reset(5);
+    EXPECT_EQ(cache.UserData(0).index, 10);
     cache.Reset(0);
     EXPECT_EQ(cache.GetFrame(0).m_pBuffer, nullptr);
-    EXPECT_EQ(cache.UserData(1).index, 3);
+    EXPECT_EQ(cache.UserData(0).index, -1);
+    EXPECT_EQ(cache.UserData(1).index, 11);
     EXPECT_EQ(cache.m_Preset[0].dwType, 2u);
     cache.Reset(0xFFFFFFFF);
     EXPECT_EQ(cache.GetFrame(1).m_pBuffer, nullptr);
     EXPECT_EQ(cache.UserData(1).index, -1);
     EXPECT_EQ(cache.m_Preset[0].dwType, 5u);
     EXPECT_EQ(cache.m_nPresetCount, 3u);
+
+    // An empty frame empties the slot even with a record given.
+    cache.SetFrame(first.frame, 1, &tag);
+    CFrame empty;
+    cache.SetFrame(empty, 1, &tag);
+    EXPECT_EQ(cache.GetFrame(1).m_pBuffer, nullptr);
+    EXPECT_EQ(cache.UserData(1).index, -1);
     cache.Release();
     cache.Release();
     EXPECT_EQ(cache.m_nSlotCount, 0u);
@@ -128,77 +128,59 @@ TEST(FrameCache, ResetClearsSlotsAndPresetButNotItsCount)
 
 TEST(FrameCacheMT, KeysKeepApartAndCreateOnlyWhenAsked)
 {
-    ManualTime time;
-    CEffectsLibCacheMT<Tag> wrapper(2);
-    CCritSectLock lock(wrapper.m_Lock);
-    wrapper.m_nCacheKey = 7;
-    EXPECT_EQ(wrapper.GetCacheForCurrentThread(false).m_pCache, nullptr);
-    EXPECT_TRUE(wrapper.m_Caches.empty());
-    CEffectsLibCache<Tag>* seven = wrapper.GetCacheForCurrentThread(true).m_pCache;
+    LockedWrapper locked;
+    EXPECT_EQ(locked.CacheOf(7, false), nullptr);
+    EXPECT_TRUE(locked.wrapper.m_Caches.empty());
+    CEffectsLibCache<Tag>* seven = locked.CacheOf(7);
     ASSERT_NE(seven, nullptr);
     EXPECT_EQ(seven->m_nSlotCount, 2u);
-    wrapper.m_nCacheKey = 8;
-    CEffectsLibCache<Tag>* eight = wrapper.GetCacheForCurrentThread(true).m_pCache;
-    EXPECT_NE(seven, eight);
-    wrapper.m_nCacheKey = 7;
-    EXPECT_EQ(wrapper.GetCacheForCurrentThread(false).m_pCache, seven);
-    EXPECT_EQ(wrapper.m_Caches.size(), 2u);
+    EXPECT_NE(locked.CacheOf(8), seven);
+    EXPECT_EQ(locked.CacheOf(7, false), seven);
+    EXPECT_EQ(locked.wrapper.m_Caches.size(), 2u);
 
-    CacheInfo<Tag> loose = wrapper.CreateNewCache(3);   // not added to the wrapper
+    CacheInfo<Tag> loose = locked.wrapper.CreateNewCache(3);   // not added to the wrapper
     EXPECT_EQ(loose.m_nKey, 3u);
-    EXPECT_EQ(wrapper.m_Caches.size(), 2u);
+    EXPECT_EQ(locked.wrapper.m_Caches.size(), 2u);
     delete loose.m_pCache;
 }
 
 TEST(FrameCacheMT, CachesExpireStrictlyAfterTenSecondsAcrossClockWrap)
 {
-    ManualTime time;
-    // Starts just below the 32-bit wrap of the millisecond count, so the ages cross it.
-    const uint64_t start = 0xFFFFFFFFull - 3000;
     struct Case {
         uint64_t pause;
         bool survives;
     };
     for (const Case& c : {Case{10000, true}, Case{10001, false}, Case{9999, true}, Case{60000, false}}) {
-        time.Set(start);
-        CEffectsLibCacheMT<Tag> wrapper(2);
-        CCritSectLock lock(wrapper.m_Lock);
-        wrapper.m_nCacheKey = 1;
-        CEffectsLibCache<Tag>* cache = wrapper.GetCacheForCurrentThread(true).m_pCache;
+        g_now = 0xFFFFFFFFull - 3000;   // just below the 32-bit wrap of the millisecond count
+        LockedWrapper locked;
         Pixels picture(2, 2, 1);
         Tag tag{5, 1.0f};
-        cache->SetFrame(picture.frame, 1, &tag);
-        wrapper.m_nCacheKey = 2;
-        time.Advance(c.pause / 2);
-        wrapper.GetCacheForCurrentThread(true);   // another key keeps itself alive, not key 1
-        time.Advance(c.pause - c.pause / 2);
-        wrapper.m_nCacheKey = 1;
-        CEffectsLibCache<Tag>* again = wrapper.GetCacheForCurrentThread(true).m_pCache;
-        EXPECT_EQ(again->UserData(1).index, c.survives ? 5 : -1) << "pause " << c.pause;
+        locked.CacheOf(1)->SetFrame(picture.frame, 1, &tag);
+        g_now += c.pause / 2;
+        locked.CacheOf(2);   // another key keeps itself alive, not key 1
+        g_now += c.pause - c.pause / 2;
+        EXPECT_EQ(locked.CacheOf(1)->UserData(1).index, c.survives ? 5 : -1) << "pause " << c.pause;
         const bool otherSurvives = c.pause - c.pause / 2 <= 10000;
-        EXPECT_EQ(wrapper.m_Caches.size(), otherSurvives ? 2u : 1u) << "pause " << c.pause;
+        EXPECT_EQ(locked.wrapper.m_Caches.size(), otherSurvives ? 2u : 1u) << "pause " << c.pause;
     }
 }
 
 TEST(FrameCacheMT, GetFrameCopiesOnlyIntoAFrameOfTheSlotsSize)
 {
-    ManualTime time;
-    CEffectsLibCacheMT<Tag> wrapper(2);
-    CCritSectLock lock(wrapper.m_Lock);
-    wrapper.m_nCacheKey = 4;
+    LockedWrapper locked;
     Pixels stored(4, 3, 0x5A);
     Tag tag{1, 1.0f};
-    wrapper.GetCacheForCurrentThread(true).m_pCache->SetFrame(stored.frame, 1, &tag);
+    locked.CacheOf(4)->SetFrame(stored.frame, 1, &tag);
 
     Pixels wrongSize(3, 3, 0x00);
-    EXPECT_FALSE(wrapper.GetFrame(1, wrongSize.frame));
+    EXPECT_FALSE(locked.wrapper.GetFrame(1, wrongSize.frame));
     EXPECT_EQ(wrongSize.bytes, std::vector<uint8_t>(3 * 3 * 4, 0x00));
     Pixels emptySlot(4, 3, 0x00);
-    EXPECT_FALSE(wrapper.GetFrame(0, emptySlot.frame));
+    EXPECT_FALSE(locked.wrapper.GetFrame(0, emptySlot.frame));
     CFrame noBuffer;
-    EXPECT_FALSE(wrapper.GetFrame(1, noBuffer));
+    EXPECT_FALSE(locked.wrapper.GetFrame(1, noBuffer));
     Pixels target(4, 3, 0x00);
-    EXPECT_TRUE(wrapper.GetFrame(1, target.frame));
+    EXPECT_TRUE(locked.wrapper.GetFrame(1, target.frame));
     EXPECT_EQ(target.bytes, stored.bytes);
 }
 

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -19,9 +20,9 @@ using TestHost::Clip;
 using TestHost::InProcessHost;
 using TestHost::Picture;
 
-const int kThreads = 4;
 const int kFrames = 12;
 
+// Grey frames told apart by one byte, frame 6 a flash.
 Clip FlashClip()
 {
     Clip clip(16, 8, pfVideoSample, kFrames, 25.0);
@@ -33,12 +34,21 @@ Clip FlashClip()
     return clip;
 }
 
-InProcessHost::Options Sequential(uint32_t instance)
+std::unique_ptr<InProcessHost> SequentialHost(Clip& clip, uint32_t instance)
 {
     InProcessHost::Options options;
     options.timeAccess = false;
     options.instanceId = instance;
-    return options;
+    return std::unique_ptr<InProcessHost>(new InProcessHost(clip, options));
+}
+
+void OnThreads(int count, const std::function<void(int)>& work)
+{
+    std::vector<std::thread> threads;
+    for (int t = 0; t < count; ++t)
+        threads.emplace_back(work, t);
+    for (std::thread& thread : threads)
+        thread.join();
 }
 
 // Each thread is a host instance of its own playing the whole clip on one effect object; the
@@ -46,14 +56,15 @@ InProcessHost::Options Sequential(uint32_t instance)
 // its own memory: frame 6 replaced by frame 5.
 TEST(SequentialConcurrency, RendersOfOneIdAndFieldTakeTurns)
 {
+    const int threads = 4;
     Clip clip = FlashClip();
     CDeglarer effect;
     effect.SetId(0x7A000001u);
     std::atomic<int> inside{0};
     std::atomic<int> mostAtOnce{0};
     std::vector<std::unique_ptr<InProcessHost>> hosts;
-    for (int t = 0; t < kThreads; ++t) {
-        hosts.emplace_back(new InProcessHost(clip, Sequential(100 + t)));
+    for (int t = 0; t < threads; ++t) {
+        hosts.push_back(SequentialHost(clip, 100 + t));
         hosts.back()->SetParamReadHook([&] {
             const int now = ++inside;
             int seen = mostAtOnce.load();
@@ -63,23 +74,17 @@ TEST(SequentialConcurrency, RendersOfOneIdAndFieldTakeTurns)
             --inside;
         });
     }
-    std::vector<std::vector<bool>> correct(kThreads, std::vector<bool>(kFrames, false));
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&, t] {
-            for (int index = 0; index < kFrames; ++index) {
-                Picture output(16, 8, pfVideoSample);
-                FrameParams destination = output.Params();
-                hosts[t]->RenderFrame(&effect, index, &destination);
-                correct[t][index] = output.SameAs(clip, index == 6 ? 5 : index);
-            }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    std::atomic<int> wrong{0};
+    OnThreads(threads, [&](int t) {
+        for (int index = 0; index < kFrames; ++index) {
+            Picture output(16, 8, pfVideoSample);
+            FrameParams destination = output.Params();
+            hosts[t]->RenderFrame(&effect, index, &destination);
+            wrong += !output.SameAs(clip, index == 6 ? 5 : index);
+        }
+    });
     EXPECT_EQ(mostAtOnce.load(), 1);
-    for (int t = 0; t < kThreads; ++t)
-        for (int index = 0; index < kFrames; ++index)
-            EXPECT_TRUE(correct[t][index]) << "thread " << t << ", frame " << index;
+    EXPECT_EQ(wrong.load(), 0) << "renders that showed the wrong frame";
 }
 
 // Renders of different ids or fields meet inside their regions at the same moment: each waits
@@ -99,32 +104,26 @@ TEST(SequentialConcurrency, OtherIdsAndFieldsDontBlock)
     bool allMet = true;
     std::vector<std::unique_ptr<InProcessHost>> hosts;
     std::vector<std::unique_ptr<CDeglarer>> effects;
-    for (int r = 0; r < count; ++r) {
-        hosts.emplace_back(new InProcessHost(clip, Sequential(1)));
+    for (const Render& render : renders) {
+        hosts.push_back(SequentialHost(clip, 1));
         effects.emplace_back(new CDeglarer());
-        effects.back()->SetId(renders[r].id);
-        auto first = std::make_shared<std::atomic<bool>>(true);
-        hosts.back()->SetParamReadHook([&, first] {
-            if (!first->exchange(false))
-                return;
+        effects.back()->SetId(render.id);
+        // Each render's first read waits for all the others; later reads find them all arrived.
+        hosts.back()->SetParamReadHook([&] {
             std::unique_lock<std::mutex> lock(mutex);
             ++waiting;
             arrived.notify_all();
-            if (!arrived.wait_for(lock, std::chrono::seconds(20), [&] { return waiting == count; }))
+            if (!arrived.wait_for(lock, std::chrono::seconds(20), [&] { return waiting >= count; }))
                 allMet = false;
         });
     }
-    std::vector<std::thread> threads;
-    for (int r = 0; r < count; ++r)
-        threads.emplace_back([&, r] {
-            Picture output(16, 8, pfVideoSample);
-            FrameParams destination = output.Params();
-            hosts[r]->RenderFrame(effects[r].get(), 0, &destination, renders[r].field);
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    OnThreads(count, [&](int r) {
+        Picture output(16, 8, pfVideoSample);
+        FrameParams destination = output.Params();
+        hosts[r]->RenderFrame(effects[r].get(), 0, &destination, renders[r].field);
+    });
     EXPECT_TRUE(allMet);
-    EXPECT_EQ(waiting, count);
+    EXPECT_GE(waiting, count);
 }
 
 } // namespace

@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <utility>
 #include <vector>
 
 #include "../DeglarerPro/Deglarer.h"
 #include "../host/Clip.h"
 #include "../host/InProcessHost.h"
 #include "../platform/MonotonicClock.h"
+#include "FreshEffectId.h"
 
 namespace {
 
@@ -21,28 +23,45 @@ const int kHeight = 8;
 const int kMarked = -2;     // the output shows the source with a cross
 const int kUnknown = -3;    // the output is no frame of the clip
 
-// Measurements are remembered per effect id and frame index, so every clip gets an id of its own.
-unsigned int FreshId()
-{
-    static std::atomic<unsigned int> next{0x5E000000u};
-    return next++;
-}
+// Frames first..last of a clip at one grey level.
+struct Stretch {
+    int first, last;
+    float level;
+};
 
-// A clip of uniform grey frames at the given levels (0..1), each frame told apart by one byte.
-Clip GreyClip(const std::vector<float>& levels, int width = kWidth, int height = kHeight)
+// A clip of uniform grey frames, 0.4 but for the stretches given, each frame told apart by one byte.
+Clip GreyClip(int count, const std::vector<Stretch>& stretches = {}, int width = kWidth)
 {
-    Clip clip(width, height, pfVideoSample, static_cast<int>(levels.size()), 25.0);
-    for (int index = 0; index < clip.FrameCount(); ++index) {
+    std::vector<float> levels(count, 0.4f);
+    for (const Stretch& stretch : stretches)
+        for (int index = stretch.first; index <= stretch.last; ++index)
+            levels[index] = stretch.level;
+    Clip clip(width, kHeight, pfVideoSample, count, 25.0);
+    for (int index = 0; index < count; ++index) {
         clip.Fill(index, levels[index], levels[index], levels[index]);
         clip.Frame(index)[0] = static_cast<uint8_t>(index);
     }
     return clip;
 }
 
-// Renders frames in the order given and tells, per render, which clip frame came out.
+InProcessHost::Options Sequential(uint32_t instance = 1)
+{
+    InProcessHost::Options options;
+    options.timeAccess = false;
+    options.instanceId = instance;
+    return options;
+}
+
+// Renders frames in the order given and tells, per render, which clip frame came out. Players of
+// other host instances may share one effect object.
 class Player {
 public:
-    Player(Clip& clip, uint32_t instance = 1) : m_clip(clip), m_host(clip, Options(instance)) { m_effect.SetId(FreshId()); }
+    Player(Clip& clip, uint32_t instance = 1, CDeglarer* shared = nullptr)
+        : m_clip(clip), m_host(clip, Sequential(instance)), m_effect(shared != nullptr ? *shared : m_ownEffect)
+    {
+        if (shared == nullptr)
+            m_ownEffect.SetId(FreshEffectId());
+    }
 
     int Render(int index, int16_t field = 1)
     {
@@ -53,14 +72,17 @@ public:
             if (output.SameAs(m_clip, candidate))
                 return candidate;
         m_lastOutput = output.Bytes();
-        return OutputDiffersOnlyByCross(index) ? kMarked : kUnknown;
+        // The corners lie on the diagonals of the cross; the middle of the top row doesn't.
+        const uint8_t* source = m_clip.Frame(index);
+        const size_t middle = static_cast<size_t>(kWidth / 2) * 4 + 1;
+        return m_lastOutput[middle] == source[middle] && m_lastOutput[4] != source[4] ? kMarked : kUnknown;
     }
 
-    std::vector<int> Play(int first, int last, int16_t field = 1)
+    std::vector<int> Play(int first, int last)
     {
         std::vector<int> shown;
         for (int index = first; index <= last; ++index)
-            shown.push_back(Render(index, field));
+            shown.push_back(Render(index));
         return shown;
     }
 
@@ -79,218 +101,105 @@ public:
     CDeglarer& Effect() { return m_effect; }
 
 private:
-    static InProcessHost::Options Options(uint32_t instance)
-    {
-        InProcessHost::Options options;
-        options.timeAccess = false;
-        options.instanceId = instance;
-        return options;
-    }
-
-    bool OutputDiffersOnlyByCross(int index) const
-    {
-        // The corners lie on the diagonals; the middle of the top row doesn't.
-        const uint8_t* source = m_clip.Frame(index);
-        const size_t middle = static_cast<size_t>(kWidth / 2) * 4 + 1;
-        return m_lastOutput[middle] == source[middle] && m_lastOutput[4] != source[4];
-    }
-
     Clip& m_clip;
     InProcessHost m_host;
-    CDeglarer m_effect;
+    CDeglarer m_ownEffect;
+    CDeglarer& m_effect;
     std::vector<uint8_t> m_lastOutput;
 };
 
-std::vector<float> Steady(int count, float level = 0.4f)
+// Renders (index, expected clip frame shown) in order.
+void ExpectShown(Player& player, const std::vector<std::pair<int, int>>& renders)
 {
-    return std::vector<float>(count, level);
+    for (const auto& render : renders)
+        EXPECT_EQ(player.Render(render.first), render.second) << "frame " << render.first;
 }
 
-TEST(SequentialRender, ReplacesOneFrameFlashWithTheFrameBefore)
+TEST(SequentialRender, PlayingAClipInOrderReplacesFlashesWithinMaxFramesOfTheLastGoodFrame)
 {
-    std::vector<float> levels = Steady(30);
-    levels[20] = 0.8f;
-    Clip clip = GreyClip(levels);
-    Player player(clip);
-    const std::vector<int> shown = player.Play(0, 29);
-    for (int index = 0; index < 30; ++index)
-        EXPECT_EQ(shown[index], index == 20 ? 19 : index) << "frame " << index;
-    EXPECT_EQ(player.Host().FetchCount(), 0u);   // this path never asks the host for frames
-    EXPECT_EQ(player.Host().Leaks(), "");
-}
-
-TEST(SequentialRender, MaxFramesIsTheDistanceToTheLastGoodFrame)
-{
-    // A lasting brightening at 20: 20..25 wait behind the last good frame 19; 26 is 7 away and
-    // is taken as the new picture.
-    std::vector<float> levels = Steady(32);
-    for (int index = 20; index < 32; ++index)
-        levels[index] = 0.8f;
     struct Case {
-        float maxFramesPosition;
-        int limit;
+        const char* what;
+        int frames;
+        std::vector<Stretch> stretches;
+        float maxFrames;                           // position 0 is a limit of 1, 0.2 of 2, 1 of 10
+        std::vector<std::pair<int, int>> replaced;  // frame, the frame shown instead
     };
-    for (const Case& c : {Case{0.2f, 2}, Case{0.0f, 1}, Case{1.0f, 10}}) {
-        Clip clip = GreyClip(levels);
+    // A lasting brightening at 20: 20..25 wait behind the last good frame 19; 26 is 7 away and is
+    // taken as the new picture. A dark frame behind a good one empties the memory, so the flash
+    // behind it starts afresh; right behind a flashed one it counts as flashed.
+    const Case cases[] = {
+        {"one-frame flash", 30, {{20, 20, 0.8f}}, 0.2f, {{20, 19}}},
+        {"two-frame flash", 30, {{20, 21, 0.8f}}, 0.2f, {{20, 19}, {21, 19}}},
+        {"lasting, limit 1", 32, {{20, 31, 0.8f}}, 0.0f, {{20, 19}}},
+        {"lasting, limit 2", 32, {{20, 31, 0.8f}}, 0.2f, {{20, 19}, {21, 19}}},
+        {"lasting, limit 10", 32, {{20, 31, 0.8f}}, 1.0f, {{20, 19}, {21, 19}, {22, 19}, {23, 19}, {24, 19}, {25, 19}}},
+        {"bright first frame", 8, {{0, 0, 0.9f}}, 0.2f, {}},
+        {"dark, then a flash", 12, {{10, 10, 0.01f}, {11, 11, 0.8f}}, 0.2f, {}},
+        {"dark behind a flash", 12, {{6, 6, 0.8f}, {7, 7, 0.01f}}, 0.2f, {{6, 5}, {7, 5}}},
+    };
+    for (const Case& c : cases) {
+        Clip clip = GreyClip(c.frames, c.stretches);
         Player player(clip);
-        player.Host().SetMaxFrames(c.maxFramesPosition);
-        const std::vector<int> shown = player.Play(0, 31);
-        for (int index = 0; index < 32; ++index) {
-            const bool waiting = index >= 20 && index <= 25;
-            const int expected = waiting && index - 19 <= c.limit ? 19 : index;
-            EXPECT_EQ(shown[index], expected) << "limit " << c.limit << ", frame " << index;
-        }
-    }
-}
-
-TEST(SequentialRender, TwoFrameFlashOfEvenBrightness)
-{
-    std::vector<float> levels = Steady(30);
-    levels[20] = levels[21] = 0.8f;
-    {
-        Clip clip = GreyClip(levels);
-        Player player(clip);   // limit 2
-        const std::vector<int> shown = player.Play(0, 29);
-        EXPECT_EQ(shown[20], 19);
-        EXPECT_EQ(shown[21], 19);
-        EXPECT_EQ(shown[22], 22);
-    }
-    {
-        Clip clip = GreyClip(levels);
-        Player player(clip);
-        player.Host().SetMaxFrames(0.0f);   // limit 1
-        player.Host().SetTestMode(true);
-        player.Play(0, 19);
-        EXPECT_EQ(player.Render(20), kMarked);
-        EXPECT_EQ(player.CrossColour(), 'r');
-        EXPECT_EQ(player.Render(20), kMarked);   // rendered twice in a row: the same decision
-        EXPECT_EQ(player.CrossColour(), 'r');
-        EXPECT_EQ(player.Render(21), kMarked);   // two frames from the last good one: spared
-        EXPECT_EQ(player.CrossColour(), 'b');
-        EXPECT_EQ(player.Render(22), 22);
+        player.Host().SetMaxFrames(c.maxFrames);
+        std::vector<int> expected;
+        for (int index = 0; index < c.frames; ++index)
+            expected.push_back(index);
+        for (const auto& replaced : c.replaced)
+            expected[replaced.first] = replaced.second;
+        EXPECT_EQ(player.Play(0, c.frames - 1), expected) << c.what;
+        EXPECT_EQ(player.Host().FetchCount(), 0u) << c.what;   // this path never asks the host for frames
     }
 }
 
 TEST(SequentialRender, TestModeMarksReplacedRedAndSparedBlue)
 {
-    std::vector<float> levels = Steady(12);
-    levels[5] = levels[6] = levels[7] = 0.8f;
-    Clip clip = GreyClip(levels);
+    Clip clip = GreyClip(12, {{5, 7, 0.8f}});
     Player player(clip);   // limit 2: 5 and 6 replaced, 7 spared
     player.Host().SetTestMode(true);
     player.Play(0, 4);
-    EXPECT_EQ(player.Render(5), kMarked);
-    EXPECT_EQ(player.CrossColour(), 'r');
-    EXPECT_EQ(player.Render(6), kMarked);
-    EXPECT_EQ(player.CrossColour(), 'r');
-    EXPECT_EQ(player.Render(7), kMarked);
-    EXPECT_EQ(player.CrossColour(), 'b');
+    // Frame 5 rendered twice in a row gets the same decision.
+    const std::pair<int, char> marks[] = {{5, 'r'}, {5, 'r'}, {6, 'r'}, {7, 'b'}};
+    for (const auto& mark : marks) {
+        EXPECT_EQ(player.Render(mark.first), kMarked) << "frame " << mark.first;
+        EXPECT_EQ(player.CrossColour(), mark.second) << "frame " << mark.first;
+    }
     EXPECT_EQ(player.Render(8), 8);
-}
-
-TEST(SequentialRender, FirstFrameIsNeverReplaced)
-{
-    std::vector<float> levels = Steady(8);
-    levels[0] = 0.9f;
-    Clip clip = GreyClip(levels);
-    Player player(clip);
-    EXPECT_EQ(player.Play(0, 7), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7}));
-}
-
-TEST(SequentialRender, LampSwitchedOnStaysUp)
-{
-    std::vector<float> levels = Steady(10);
-    for (int index = 10; index < 40; ++index)
-        levels.push_back(0.75f);
-    Clip clip = GreyClip(levels);
-    Player player(clip);
-    const std::vector<int> shown = player.Play(0, 39);
-    // 10 and 11 are replaced (limit 2), 12..15 wait as they are, 16 onward is the new picture.
-    for (int index = 0; index < 40; ++index)
-        EXPECT_EQ(shown[index], index == 10 || index == 11 ? 9 : index) << "frame " << index;
-}
-
-TEST(SequentialRender, DarkFramesPassAndEmptyTheMemory)
-{
-    // A slow fade to black, then a flash right behind the dark stretch: with the memory emptied
-    // the flash starts a new memory and goes out as it is.
-    std::vector<float> levels;
-    for (int index = 0; index < 20; ++index)
-        levels.push_back(0.4f * (1.0f - index / 20.0f) + 0.005f);
-    levels.push_back(0.01f);
-    levels.push_back(0.8f);
-    levels.push_back(0.4f);
-    Clip clip = GreyClip(levels);
-    Player player(clip);
-    const std::vector<int> shown = player.Play(0, static_cast<int>(levels.size()) - 1);
-    for (int index = 0; index < static_cast<int>(levels.size()); ++index)
-        EXPECT_EQ(shown[index], index) << "frame " << index;
-
-    // Right behind a flashed frame a dark frame counts as flashed while within reach.
-    std::vector<float> behindFlash = Steady(12);
-    behindFlash[6] = 0.8f;
-    behindFlash[7] = 0.01f;
-    Clip second = GreyClip(behindFlash);
-    Player other(second);
-    const std::vector<int> secondShown = other.Play(0, 11);
-    EXPECT_EQ(secondShown[6], 5);
-    EXPECT_EQ(secondShown[7], 5);
-    EXPECT_EQ(secondShown[8], 8);
 }
 
 TEST(SequentialRender, ChangingAParameterResetsTheMemory)
 {
-    std::vector<float> levels = Steady(12);
-    levels[5] = levels[6] = levels[7] = 0.8f;
-    Clip clip = GreyClip(levels);
+    Clip clip = GreyClip(12, {{5, 7, 0.8f}});
     Player player(clip);
     player.Play(0, 4);
     EXPECT_EQ(player.Render(5), 4);
     player.Host().SetSensitivity(0.75f);   // same threshold, but a changed value all the same
-    EXPECT_EQ(player.Render(6), 6);        // the flash in progress now counts as good
-    EXPECT_EQ(player.Render(7), 7);
-    EXPECT_EQ(player.Render(8), 8);
+    ExpectShown(player, {{6, 6}, {7, 7}, {8, 8}});   // the flash in progress now counts as good
 }
 
 TEST(SequentialRender, JumpsAndStepsBackStartAfresh)
 {
-    std::vector<float> levels = Steady(16);
-    levels[12] = 0.8f;
-    levels[10] = 0.8f;
-    Clip clip = GreyClip(levels);
+    Clip clip = GreyClip(16, {{10, 10, 0.8f}, {12, 12, 0.8f}});
     Player player(clip);
     player.Play(0, 9);
-    EXPECT_EQ(player.Render(10), 9);   // in order: replaced
-    EXPECT_EQ(player.Render(11), 11);
-    EXPECT_EQ(player.Render(12), 11);
-    EXPECT_EQ(player.Render(12), 11);  // twice: the memory goes on, same picture
-    EXPECT_EQ(player.Render(10), 10);  // a step back resets: the flash is its own predecessor
-    EXPECT_EQ(player.Render(11), 11);
-    EXPECT_EQ(player.Render(14), 14);  // a jump forward resets
-    EXPECT_EQ(player.Render(12), 12);  // behind the last good frame: reset
+    ExpectShown(player, {{10, 9}, {11, 11}, {12, 11},
+                         {12, 11},    // twice: the memory goes on, same picture
+                         {10, 10},    // a step back resets: the flash is its own predecessor
+                         {11, 11},
+                         {14, 14},    // a jump forward resets
+                         {12, 12}});  // behind the last good frame: reset
 }
 
 TEST(SequentialRender, FieldsAndHostInstancesKeepSeparateMemories)
 {
-    std::vector<float> levels = Steady(10);
-    levels[5] = 0.8f;
-    Clip clip = GreyClip(levels);
+    Clip clip = GreyClip(10, {{5, 5, 0.8f}});
     Player player(clip);
-    player.Play(0, 4, 1);
+    player.Play(0, 4);
     EXPECT_EQ(player.Render(5, 2), 5);   // field 2 has seen nothing: a fresh start
     EXPECT_EQ(player.Render(5, 3), 5);   // and so has field 3
     EXPECT_EQ(player.Render(5, 1), 4);   // field 1 remembers frame 4
-
-    // A second host instance rendering the same id keeps its own memory.
-    InProcessHost::Options options;
-    options.timeAccess = false;
-    options.instanceId = 2;
-    InProcessHost otherHost(clip, options);
-    Picture output(kWidth, kHeight, pfVideoSample);
-    FrameParams destination = output.Params();
-    ASSERT_TRUE(otherHost.RenderFrame(&player.Effect(), 5, &destination, 1));
-    EXPECT_TRUE(output.SameAs(clip, 5));
-    EXPECT_EQ(player.Render(6, 1), 6);
+    Player otherInstance(clip, 2, &player.Effect());
+    EXPECT_EQ(otherInstance.Render(5), 5);
+    EXPECT_EQ(player.Render(6), 6);
 }
 
 std::atomic<uint64_t> g_now{1000};
@@ -299,10 +208,8 @@ uint64_t ManualClock() { return g_now.load(); }
 TEST(SequentialRender, MemoryExpiresAfterTenSecondsOfSilence)
 {
     Platform::SetMillisecondSourceForTesting(&ManualClock);
-    std::vector<float> levels = Steady(10);
-    levels[5] = 0.8f;
     for (uint64_t pause : {10000u, 10001u}) {
-        Clip clip = GreyClip(levels);
+        Clip clip = GreyClip(10, {{5, 5, 0.8f}});
         Player player(clip);
         player.Play(0, 4);
         g_now += pause;
@@ -313,28 +220,18 @@ TEST(SequentialRender, MemoryExpiresAfterTenSecondsOfSilence)
 
 TEST(SequentialRender, FrameSizeChangeInTheMiddleFallsBackToTheSource)
 {
-    std::vector<float> levels = Steady(8);
-    levels[5] = 0.8f;
-    Clip small = GreyClip(levels);
-    Clip large = GreyClip(levels, kWidth * 2, kHeight);
-    InProcessHost::Options options;
-    options.timeAccess = false;
-    InProcessHost host(small, options);
-    CDeglarer effect;
-    effect.SetId(FreshId());
-    for (int index = 0; index < 5; ++index) {
-        Picture output(kWidth, kHeight, pfVideoSample);
-        FrameParams destination = output.Params();
-        ASSERT_TRUE(host.RenderFrame(&effect, index, &destination));
-    }
+    Clip small = GreyClip(8, {{5, 5, 0.8f}});
+    Clip large = GreyClip(8, {{5, 5, 0.8f}}, kWidth * 2);
+    Player player(small);
+    player.Play(0, 4);
     // Frame 5 comes at another size: the remembered frame doesn't fit it.
     FrameParams source = large.Params(5);
     Picture output(kWidth * 2, kHeight, pfVideoSample);
     FrameParams destination = output.Params();
-    RenderInfo info = host.MakeRenderInfo(5);
-    ASSERT_TRUE(effect.Render(&host, &source, nullptr, &destination, &info));
+    RenderInfo info = player.Host().MakeRenderInfo(5);
+    ASSERT_TRUE(player.Effect().Render(&player.Host(), &source, nullptr, &destination, &info));
     EXPECT_TRUE(output.SameAs(large, 5));
-    EXPECT_EQ(host.Leaks(), "");
+    EXPECT_EQ(player.Host().Leaks(), "");
 }
 
 } // namespace

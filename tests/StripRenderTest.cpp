@@ -27,40 +27,32 @@ using TestHost::Picture;
 {
     if (std::memcmp(&expected, &actual, sizeof expected) == 0)
         return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "expected {" << expected.fBand[0] << ", " << expected.fBand[1] << ", "
-                                         << expected.fBand[2] << ", " << expected.fBand[3] << "} got {"
-                                         << actual.fBand[0] << ", " << actual.fBand[1] << ", " << actual.fBand[2]
-                                         << ", " << actual.fBand[3] << "}";
-}
-
-// Random bytes; float formats get random channel values in 0..1 so the figures mean something.
-void FillRandom(std::vector<uint8_t>& bytes, PixelFormat format, std::mt19937& random)
-{
-    if (format == pfVideoSampleFloat || format == pfVideoSampleSwappedFloat) {
-        std::uniform_real_distribution<float> channel(0.0f, 1.0f);
-        for (size_t i = 0; i + sizeof(float) <= bytes.size(); i += sizeof(float)) {
-            const float value = channel(random);
-            std::memcpy(&bytes[i], &value, sizeof value);
-        }
-    } else {
-        for (uint8_t& byte : bytes)
-            byte = static_cast<uint8_t>(random());
-    }
+    ::testing::AssertionResult failure = ::testing::AssertionFailure() << "bands expected / got:";
+    for (int band = 0; band < 4; ++band)
+        failure << " " << expected.fBand[band] << " / " << actual.fBand[band];
+    return failure;
 }
 
 struct Shape {
     int width, height, byteSpan;
 };
 
-// A picture in memory of its own, with the frame over it. Random rows follow the frame's last one:
+// A picture of random bytes in memory of its own, with the frame over it; float formats get
+// channel values in 0..1 so the figures mean something. Random rows follow the frame's last one:
 // a write past the frame shows there.
 struct Owned {
-    static const int kRowsBeyond = 40;
-
     Owned(const Shape& shape, PixelFormat format, std::mt19937& random)
-        : bytes(static_cast<size_t>(shape.byteSpan) * (shape.height + kRowsBeyond))
+        : bytes(static_cast<size_t>(shape.byteSpan) * (shape.height + 40))
     {
-        FillRandom(bytes, format, random);
+        std::uniform_real_distribution<float> channel(0.0f, 1.0f);
+        if (format == pfVideoSampleFloat || format == pfVideoSampleSwappedFloat)
+            for (size_t i = 0; i + sizeof(float) <= bytes.size(); i += sizeof(float)) {
+                const float value = channel(random);
+                std::memcpy(&bytes[i], &value, sizeof value);
+            }
+        else
+            for (uint8_t& byte : bytes)
+                byte = static_cast<uint8_t>(random());
         frame.Init(bytes.data(), shape.width, shape.height, shape.byteSpan, TestHost::BytesPerPixel(format), format,
                    false);
     }
@@ -76,7 +68,6 @@ TEST(FrameStrips, CopyingStripByStripGivesTheBytesOfOneCopy)
     };
     // Rows of 4000 and 16000 bytes make strips of 32 and 8 rows; heights leave a short last strip.
     const Case cases[] = {
-        {pfVideoSample, {1000, 100, 4000}, {1000, 100, 4000}},
         {pfVideoSampleSwapped, {1000, 101, 4012}, {1003, 101, 4040}},
         {pfVideoSample, {1000, 100, 4000}, {900, 45, 3600}},      // destination shorter and narrower
         {pfVideoSample, {990, 40, 3960}, {1000, 100, 4000}},      // destination taller
@@ -87,6 +78,8 @@ TEST(FrameStrips, CopyingStripByStripGivesTheBytesOfOneCopy)
     };
     std::mt19937 random(71);
     for (const Case& c : cases) {
+        SCOPED_TRACE(::testing::Message() << "format " << c.format << ", source " << c.source.width << "x"
+                                          << c.source.height << ", destination " << c.destination.width);
         Owned source(c.source, c.format, random);
         Owned stripped(c.destination, c.format, random);
         std::vector<uint8_t> whole = stripped.bytes;
@@ -103,9 +96,7 @@ TEST(FrameStrips, CopyingStripByStripGivesTheBytesOfOneCopy)
             CopyStrip(source.frame, stripped.frame, firstRow, rowCount);
         });
         EXPECT_EQ(rowsVisited, c.source.height);
-        EXPECT_EQ(stripped.bytes, whole) << "format " << c.format << ", source " << c.source.width << "x"
-                                         << c.source.height << ", destination " << c.destination.width << "x"
-                                         << c.destination.height;
+        EXPECT_EQ(stripped.bytes, whole);
     }
 }
 
@@ -119,19 +110,18 @@ Intensities WholePicture(const CFrame& frame, const LuminanceRowKernels& kernels
             band /= 255.0f;
         return figures;
     };
+    const uint8_t* pixels = frame.m_pBuffer;
     switch (frame.m_pfPixelFormat) {
     case pfVideoSample:
-        return scaled(getAverageIntensity8u(reinterpret_cast<const VideoSample*>(frame.m_pBuffer), span, width,
-                                            height, kernels));
+        return scaled(getAverageIntensity8u(reinterpret_cast<const VideoSample*>(pixels), span, width, height, kernels));
     case pfVideoSampleSwapped:
-        return scaled(getAverageIntensity8u(reinterpret_cast<const VideoSampleSwapped*>(frame.m_pBuffer), span,
-                                            width, height, kernels));
+        return scaled(getAverageIntensity8u(reinterpret_cast<const VideoSampleSwapped*>(pixels), span, width, height,
+                                            kernels));
     case pfVideoSampleFloat:
-        return getAverageIntensity32f(reinterpret_cast<const VideoSampleFloat*>(frame.m_pBuffer), span, width, height,
-                                      kernels);
+        return getAverageIntensity32f(reinterpret_cast<const VideoSampleFloat*>(pixels), span, width, height, kernels);
     default:
-        return getAverageIntensity32f(reinterpret_cast<const VideoSampleSwappedFloat*>(frame.m_pBuffer), span, width,
-                                      height, kernels);
+        return getAverageIntensity32f(reinterpret_cast<const VideoSampleSwappedFloat*>(pixels), span, width, height,
+                                      kernels);
     }
 }
 
@@ -144,8 +134,7 @@ TEST(IntensityMeasure, StripsGiveTheWholePictureFiguresBitForBit)
     std::mt19937 random(5);
     for (PixelFormat format : formats)
         for (Shape shape : shapes) {
-            const int depth = TestHost::BytesPerPixel(format);
-            shape.byteSpan *= depth;
+            shape.byteSpan *= TestHost::BytesPerPixel(format);
             Owned picture(shape, format, random);
             for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels()) {
                 const Intensities expected = WholePicture(picture.frame, *kernels);
@@ -163,32 +152,25 @@ TEST(IntensityMeasure, StripsGiveTheWholePictureFiguresBitForBit)
         }
 }
 
-// The sequential memory as the tests see it: the cache of host instance 1, field 1.
-CEffectsLibCache<FlashInfo>* MemoryOf(unsigned int effectId)
+// Slot `slot` of the memory of host instance 1, field 1, holds frame `index` of the clip with its
+// index and its figures.
+::testing::AssertionResult SlotHolds(unsigned int effectId, uint32_t slot, Clip& clip, int index)
 {
     FrameCache& wrapper = *CDeglarer::m_FrameCachesPool.at(effectId)->m_pField1;
-    for (const CacheInfo<FlashInfo>& entry : wrapper.m_Caches)
-        if (entry.m_nKey == 1)
-            return entry.m_pCache;
-    return nullptr;
-}
-
-::testing::AssertionResult SlotHolds(CEffectsLibCache<FlashInfo>& memory, uint32_t slot, Clip& clip, int index)
-{
-    const CFrame& picture = memory.GetFrame(slot);
-    const FlashInfo& record = memory.UserData(slot);
-    if (picture.m_pBuffer == nullptr || picture.m_nWidth != clip.Width() || picture.m_nHeight != clip.Height())
-        return ::testing::AssertionFailure() << "slot " << slot << " has no picture of the clip's size";
-    const size_t rowBytes = static_cast<size_t>(clip.Width()) * clip.Depth();
-    for (int y = 0; y < clip.Height(); ++y)
-        if (std::memcmp(picture.m_pBuffer + static_cast<size_t>(y) * picture.m_nByteSpan,
-                        clip.Frame(index) + static_cast<size_t>(y) * clip.ByteSpan(), rowBytes) != 0)
-            return ::testing::AssertionFailure() << "slot " << slot << " row " << y << " isn't frame " << index;
+    CCritSectLock lock(wrapper.m_Lock);
+    wrapper.m_nCacheKey = 1;
+    Picture copy(clip.Width(), clip.Height(), clip.Format());
+    FrameParams params = copy.Params();
+    CFrame frame;
+    frame.Init(&params);
+    if (!wrapper.GetFrame(slot, frame) || !copy.SameAs(clip, index))
+        return ::testing::AssertionFailure() << "slot " << slot << " doesn't hold the picture of frame " << index;
+    const FlashInfo& record = wrapper.GetCacheForCurrentThread(false).m_pCache->UserData(slot);
     if (record.m_nFrameIndex != index)
         return ::testing::AssertionFailure() << "slot " << slot << " records frame " << record.m_nFrameIndex;
-    CFrame frame;
-    frame.Init(clip.Frame(index), clip.Width(), clip.Height(), clip.ByteSpan(), clip.Depth(), clip.Format(), false);
-    return SameBits(MeasureFrameIntensities(frame), record.m_Intensities);
+    CFrame source;
+    source.Init(clip.Frame(index), clip.Width(), clip.Height(), clip.ByteSpan(), clip.Depth(), clip.Format(), false);
+    return SameBits(MeasureFrameIntensities(source), record.m_Intensities);
 }
 
 TEST(SequentialRender, StripsFillTheSlotsWithTheWholeFramesAndTheirRecords)
@@ -204,8 +186,14 @@ TEST(SequentialRender, StripsFillTheSlotsWithTheWholeFramesAndTheirRecords)
         {pfVideoSampleFloat, 300, 97, 0},
         {pfVideoSampleSwappedFloat, 300, 61, 300 * 16 + 32},
     };
-    // Frame 4 is a one-frame flash: it is remembered as the last frame but not as a good one.
+    // Frame 4 is a one-frame flash: it is remembered as the last frame but not as a good one. The
+    // step back to frame 2 resets the memory with a frame whose figures are already known, so the
+    // picture goes into the slots without a measure.
     const float levels[] = {0.4f, 0.4f, 0.4f, 0.4f, 0.8f, 0.4f};
+    struct Step {
+        int index, shown;
+    };
+    const Step steps[] = {{0, 0}, {1, 1}, {2, 2}, {3, 3}, {4, 3}, {5, 5}, {2, 2}};
     std::mt19937 random(12);
     for (const Case& c : cases) {
         SCOPED_TRACE(::testing::Message() << "format " << c.format << " " << c.width << "x" << c.height);
@@ -213,9 +201,8 @@ TEST(SequentialRender, StripsFillTheSlotsWithTheWholeFramesAndTheirRecords)
         for (int index = 0; index < clip.FrameCount(); ++index) {
             clip.Fill(index, levels[index], levels[index], levels[index]);
             // A dim speck in a random spot of every row tells the frames and their rows apart.
-            uint8_t* frame = clip.Frame(index);
             for (int y = 0; y < c.height; ++y)
-                frame[static_cast<size_t>(y) * clip.ByteSpan() + random() % (c.width * clip.Depth())] ^= 0x01;
+                clip.Frame(index)[static_cast<size_t>(y) * clip.ByteSpan() + random() % (c.width * clip.Depth())] ^= 1;
         }
         InProcessHost::Options options;
         options.timeAccess = false;
@@ -223,22 +210,13 @@ TEST(SequentialRender, StripsFillTheSlotsWithTheWholeFramesAndTheirRecords)
         CDeglarer effect;
         const unsigned int id = FreshEffectId();
         effect.SetId(id);
-
-        // The step back to frame 2 resets the memory with a frame whose figures are already known,
-        // so the picture goes into the slots without a measure.
-        struct Step {
-            int index, output, good;
-        };
-        const Step steps[] = {{0, 0, 0}, {1, 1, 1}, {2, 2, 2}, {3, 3, 3}, {4, 3, 3}, {5, 5, 5}, {2, 2, 2}};
         for (const Step& step : steps) {
             Picture output(c.width, c.height, c.format);
             FrameParams destination = output.Params();
             ASSERT_TRUE(host.RenderFrame(&effect, step.index, &destination));
-            EXPECT_TRUE(output.SameAs(clip, step.output)) << "output of frame " << step.index;
-            CEffectsLibCache<FlashInfo>* memory = MemoryOf(id);
-            ASSERT_NE(memory, nullptr);
-            EXPECT_TRUE(SlotHolds(*memory, 0, clip, step.index)) << "after frame " << step.index;
-            EXPECT_TRUE(SlotHolds(*memory, 1, clip, step.good)) << "after frame " << step.index;
+            EXPECT_TRUE(output.SameAs(clip, step.shown)) << "output of frame " << step.index;
+            EXPECT_TRUE(SlotHolds(id, 0, clip, step.index)) << "after frame " << step.index;
+            EXPECT_TRUE(SlotHolds(id, 1, clip, step.shown)) << "after frame " << step.index;
         }
     }
 }
