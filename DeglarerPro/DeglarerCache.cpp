@@ -217,7 +217,7 @@ bool CDeglarer::RenderUsingCache(IVideoHost* host, FrameParams* source, FramePar
     destinationFrame.Init(destination);
     const int current = CurrentFrameIndex(*info);
 
-    // The picture half of step 11 rides on the measurement: each strip of the source goes into
+    // Remembering the last frame's picture rides on the measurement: each strip of the source goes into
     // the last-frame slot while it is still in cache. Nothing here reads that slot's picture, and
     // its record, which the decision reads, is written only where it always was.
     CFrame* lastFrameSlot = PrepareLastFrameSlot(*cache, sourceFrame);
