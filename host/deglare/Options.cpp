@@ -88,7 +88,7 @@ ParseResult ParseOptions(int argc, const char* const* argv, Options& options, st
                                ->transform(CLI::AsSizeValue(true))
                                ->check(CLI::Range(uint64_t(1), uint64_t(1) << 40));
     crf->excludes(bitrate);
-    app.add_option("--threads", options.threads, "Render threads (default: one for each processor)")
+    app.add_option("--threads", options.threads, "Render threads (default: one for every two processors)")
         ->check(CLI::Range(1, kMostThreads));
     app.add_option("--memory", options.memoryMegabytes, "Megabytes for decoded frames (default 1024)")
         ->check(CLI::Range(kLeastMemoryMegabytes, kMostMemoryMegabytes));

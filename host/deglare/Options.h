@@ -25,7 +25,7 @@ struct Options {
     std::string plot;                   // .png or .svg
     std::string bundle;                 // empty: beside the program
     EncoderSettings encoder;
-    int threads = 0;                    // 0: one for each processor
+    int threads = 0;                    // 0: one for every two processors
     uint64_t memoryMegabytes = 1024;
 };
 

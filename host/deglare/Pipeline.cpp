@@ -37,7 +37,9 @@ int RenderThreads(const RunSettings& settings)
         return 1;
     if (settings.threads > 0)
         return settings.threads;
-    return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+    // Decoding a frame takes many times the work of rendering it, and the decoder and encoder
+    // run threads of their own: renderers on every processor only crowd them out.
+    return std::max(1, static_cast<int>(std::thread::hardware_concurrency()) / 2);
 }
 
 // One run's shared state: what the threads pass between them, and the first failure.

@@ -20,7 +20,7 @@ struct RunSettings {
     bool sequential = false;            // play a host without time access
     bool analyze = false;               // decisions only, no output
     bool measure = false;               // band figures for a report or plot
-    int threads = 0;                    // render threads; 0: one for each processor
+    int threads = 0;                    // render threads; 0: one for every two processors
     size_t memoryBudget = size_t(1024) << 20;
     const std::atomic<bool>* interrupted = nullptr;   // set from outside to stop the run
 };
