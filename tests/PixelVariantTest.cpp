@@ -3,6 +3,7 @@
 // picture ending exactly at an inaccessible page, so that an over-read or over-write faults here.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -27,14 +28,16 @@ struct Shape {
 };
 const Shape kNone = {0, 0};
 
+// The pictures of one call: two sources and a destination (also the picture of an in-place
+// member), each with its step, and the size.
 struct Call {
-    const uint8_t* src1;
-    int src1Step;
-    const uint8_t* src2;
-    int src2Step;
-    uint8_t* dst; // also the picture of an in-place member
-    int dstStep;
-    IppiSize size;
+    const uint8_t* s;
+    int sStep;
+    const uint8_t* s2;
+    int s2Step;
+    uint8_t* d;
+    int dStep;
+    IppiSize z;
 };
 
 struct Member {
@@ -42,9 +45,9 @@ struct Member {
     Shape src1;
     Shape src2;
     Shape dst;
-    bool floats;
-    int minWidth;
     std::function<IppStatus(const Call&)> run;
+    bool Floats() const { return name.find("32f") != std::string::npos; }
+    int MinWidth() const { return name.find("422") != std::string::npos ? 2 : 1; }   // pixels in pairs
 };
 
 const float* F(const uint8_t* p)
@@ -66,96 +69,63 @@ const Ipp32f kReplacement[4] = {1.0f, 2.0f, 3.0f, 4.0f};
 const Ipp8u kPixel8u[4] = {1, 128, 254, 255};
 const Ipp32f kPixel32f[4] = {-0.5f, 0.25f, 1.5f, 1.0f};
 
+// A member named without its "ippi", the shapes of its source and destination, and its arguments.
+#define MEMBER(name, src, dst, ...) {#name, src, kNone, dst, [](const Call& c) { return ippi##name(__VA_ARGS__); }}
+
 std::vector<Member> Members()
 {
-    const Shape b1 = {1, 1}, b2 = {2, 2}, b4 = {4, 4}, f1 = {4, 4}, f4 = {16, 16};
+    const Shape b1 = {1, 1}, b4 = {4, 4}, f1 = {4, 4}, f4 = {16, 16};
     const Shape byteChannel = {4, 1}, floatChannel = {16, 4}, floatColour = {16, 12};
     std::vector<Member> members = {
-        {"Copy_8u_C1R", b1, kNone, b1, false, 1,
-         [](const Call& c) { return ippiCopy_8u_C1R(c.src1, c.src1Step, c.dst, c.dstStep, c.size); }},
-        {"Copy_8u_C4R", b4, kNone, b4, false, 1,
-         [](const Call& c) { return ippiCopy_8u_C4R(c.src1, c.src1Step, c.dst, c.dstStep, c.size); }},
-        {"Copy_32f_C1R", f1, kNone, f1, true, 1,
-         [](const Call& c) { return ippiCopy_32f_C1R(F(c.src1), c.src1Step, F(c.dst), c.dstStep, c.size); }},
-        {"Copy_32f_C4R", f4, kNone, f4, true, 1,
-         [](const Call& c) { return ippiCopy_32f_C4R(F(c.src1), c.src1Step, F(c.dst), c.dstStep, c.size); }},
-        {"Copy_8u_C4C1R", byteChannel, kNone, b1, false, 1,
-         [](const Call& c) { return ippiCopy_8u_C4C1R(c.src1, c.src1Step, c.dst, c.dstStep, c.size); }},
-        {"Copy_32f_C4C1R", floatChannel, kNone, f1, true, 1,
-         [](const Call& c) { return ippiCopy_32f_C4C1R(F(c.src1), c.src1Step, F(c.dst), c.dstStep, c.size); }},
-        {"Copy_8u_C1C4R", b1, kNone, byteChannel, false, 1,
-         [](const Call& c) { return ippiCopy_8u_C1C4R(c.src1, c.src1Step, c.dst, c.dstStep, c.size); }},
-        {"Copy_32f_C1C4R", f1, kNone, floatChannel, true, 1,
-         [](const Call& c) { return ippiCopy_32f_C1C4R(F(c.src1), c.src1Step, F(c.dst), c.dstStep, c.size); }},
-        {"Copy_8u_C4CR", byteChannel, kNone, byteChannel, false, 1,
-         [](const Call& c) { return ippiCopy_8u_C4CR(c.src1, c.src1Step, c.dst, c.dstStep, c.size); }},
-        {"Copy_32f_C4CR", floatChannel, kNone, floatChannel, true, 1,
-         [](const Call& c) { return ippiCopy_32f_C4CR(F(c.src1), c.src1Step, F(c.dst), c.dstStep, c.size); }},
-        {"Set_8u_C1R", kNone, kNone, b1, false, 1,
-         [](const Call& c) { return ippiSet_8u_C1R(0xa5, c.dst, c.dstStep, c.size); }},
-        {"Set_32f_C1R", kNone, kNone, f1, true, 1,
-         [](const Call& c) { return ippiSet_32f_C1R(-0.375f, F(c.dst), c.dstStep, c.size); }},
-        {"Set_8u_C4R", kNone, kNone, b4, false, 1,
-         [](const Call& c) { return ippiSet_8u_C4R(kPixel8u, c.dst, c.dstStep, c.size); }},
-        {"Set_32f_C4R", kNone, kNone, f4, true, 1,
-         [](const Call& c) { return ippiSet_32f_C4R(kPixel32f, F(c.dst), c.dstStep, c.size); }},
-        {"Set_8u_C4CR", kNone, kNone, byteChannel, false, 1,
-         [](const Call& c) { return ippiSet_8u_C4CR(0x3c, c.dst, c.dstStep, c.size); }},
-        {"Set_32f_C4CR", kNone, kNone, floatChannel, true, 1,
-         [](const Call& c) { return ippiSet_32f_C4CR(2.5f, F(c.dst), c.dstStep, c.size); }},
-        {"AlphaPremul_8u_AC4R", b4, kNone, b4, false, 1,
-         [](const Call& c) { return ippiAlphaPremul_8u_AC4R(c.src1, c.src1Step, c.dst, c.dstStep, c.size); }},
-        {"YCbCr422ToBGR_8u_C2C4R", b2, kNone, b4, false, 2,
-         [](const Call& c) { return ippiYCbCr422ToBGR_8u_C2C4R(c.src1, c.src1Step, c.dst, c.dstStep, c.size, 0x5a); }},
-        {"BGRToYCbCr422_8u_AC4C2R", b4, kNone, b2, false, 2,
-         [](const Call& c) { return ippiBGRToYCbCr422_8u_AC4C2R(c.src1, c.src1Step, c.dst, c.dstStep, c.size); }},
-        {"AddC_32f_AC4R", floatColour, kNone, floatColour, true, 1,
-         [](const Call& c) { return ippiAddC_32f_AC4R(F(c.src1), c.src1Step, kValue3, F(c.dst), c.dstStep, c.size); }},
-        {"AddC_32f_AC4IR", kNone, kNone, floatColour, true, 1,
-         [](const Call& c) { return ippiAddC_32f_AC4IR(kValue3, F(c.dst), c.dstStep, c.size); }},
-        {"MulC_32f_AC4R", floatColour, kNone, floatColour, true, 1,
-         [](const Call& c) { return ippiMulC_32f_AC4R(F(c.src1), c.src1Step, kFactor3, F(c.dst), c.dstStep, c.size); }},
-        {"MulC_32f_AC4IR", kNone, kNone, floatColour, true, 1,
-         [](const Call& c) { return ippiMulC_32f_AC4IR(kFactor3, F(c.dst), c.dstStep, c.size); }},
-        {"ColorTwist_32f_AC4R", floatColour, kNone, floatColour, true, 1,
-         [](const Call& c) {
-             return ippiColorTwist_32f_AC4R(F(c.src1), c.src1Step, F(c.dst), c.dstStep, c.size, kTwist);
-         }},
-        {"ColorTwist_32f_AC4IR", kNone, kNone, floatColour, true, 1,
-         [](const Call& c) { return ippiColorTwist_32f_AC4IR(F(c.dst), c.dstStep, c.size, kTwist); }},
-        {"Sqr_32f_C4IR", kNone, kNone, f4, true, 1,
-         [](const Call& c) { return ippiSqr_32f_C4IR(F(c.dst), c.dstStep, c.size); }},
-        {"Sqrt_32f_C4IR", kNone, kNone, f4, true, 1,
-         [](const Call& c) { return ippiSqrt_32f_C4IR(F(c.dst), c.dstStep, c.size); }},
-        {"Threshold_LTVal_32f_C4IR", kNone, kNone, f4, true, 1,
-         [](const Call& c) {
-             return ippiThreshold_LTVal_32f_C4IR(F(c.dst), c.dstStep, c.size, kThreshold, kReplacement);
-         }},
+        MEMBER(Copy_8u_C1R, b1, b1, c.s, c.sStep, c.d, c.dStep, c.z),
+        MEMBER(Copy_8u_C4R, b4, b4, c.s, c.sStep, c.d, c.dStep, c.z),
+        MEMBER(Copy_32f_C1R, f1, f1, F(c.s), c.sStep, F(c.d), c.dStep, c.z),
+        MEMBER(Copy_32f_C4R, f4, f4, F(c.s), c.sStep, F(c.d), c.dStep, c.z),
+        MEMBER(Copy_8u_C4C1R, byteChannel, b1, c.s, c.sStep, c.d, c.dStep, c.z),
+        MEMBER(Copy_32f_C4C1R, floatChannel, f1, F(c.s), c.sStep, F(c.d), c.dStep, c.z),
+        MEMBER(Copy_8u_C1C4R, b1, byteChannel, c.s, c.sStep, c.d, c.dStep, c.z),
+        MEMBER(Copy_32f_C1C4R, f1, floatChannel, F(c.s), c.sStep, F(c.d), c.dStep, c.z),
+        MEMBER(Copy_8u_C4CR, byteChannel, byteChannel, c.s, c.sStep, c.d, c.dStep, c.z),
+        MEMBER(Copy_32f_C4CR, floatChannel, floatChannel, F(c.s), c.sStep, F(c.d), c.dStep, c.z),
+        MEMBER(Set_8u_C1R, kNone, b1, 0xa5, c.d, c.dStep, c.z),
+        MEMBER(Set_32f_C1R, kNone, f1, -0.375f, F(c.d), c.dStep, c.z),
+        MEMBER(Set_8u_C4R, kNone, b4, kPixel8u, c.d, c.dStep, c.z),
+        MEMBER(Set_32f_C4R, kNone, f4, kPixel32f, F(c.d), c.dStep, c.z),
+        MEMBER(Set_8u_C4CR, kNone, byteChannel, 0x3c, c.d, c.dStep, c.z),
+        MEMBER(Set_32f_C4CR, kNone, floatChannel, 2.5f, F(c.d), c.dStep, c.z),
+        MEMBER(AlphaPremul_8u_AC4R, b4, b4, c.s, c.sStep, c.d, c.dStep, c.z),
+        MEMBER(YCbCr422ToBGR_8u_C2C4R, Shape({2, 2}), b4, c.s, c.sStep, c.d, c.dStep, c.z, 0x5a),
+        MEMBER(BGRToYCbCr422_8u_AC4C2R, b4, Shape({2, 2}), c.s, c.sStep, c.d, c.dStep, c.z),
+        MEMBER(AddC_32f_AC4R, floatColour, floatColour, F(c.s), c.sStep, kValue3, F(c.d), c.dStep, c.z),
+        MEMBER(AddC_32f_AC4IR, kNone, floatColour, kValue3, F(c.d), c.dStep, c.z),
+        MEMBER(MulC_32f_AC4R, floatColour, floatColour, F(c.s), c.sStep, kFactor3, F(c.d), c.dStep, c.z),
+        MEMBER(MulC_32f_AC4IR, kNone, floatColour, kFactor3, F(c.d), c.dStep, c.z),
+        MEMBER(ColorTwist_32f_AC4R, floatColour, floatColour, F(c.s), c.sStep, F(c.d), c.dStep, c.z, kTwist),
+        MEMBER(ColorTwist_32f_AC4IR, kNone, floatColour, F(c.d), c.dStep, c.z, kTwist),
+        MEMBER(Sqr_32f_C4IR, kNone, f4, F(c.d), c.dStep, c.z),
+        MEMBER(Sqrt_32f_C4IR, kNone, f4, F(c.d), c.dStep, c.z),
+        MEMBER(Threshold_LTVal_32f_C4IR, kNone, f4, F(c.d), c.dStep, c.z, kThreshold, kReplacement),
+        // In place, as the processors may call it: the SSE4.1 kernels read the byte before each
+        // block of four pixels, which the block before has already written.
+        {"AlphaPremul_8u_AC4R in place", kNone, kNone, b4,
+         [](const Call& c) { return ippiAlphaPremul_8u_AC4R(c.d, c.dStep, c.d, c.dStep, c.z); }},
     };
-    for (int type = ippAlphaOver; type <= ippAlphaPlusPremul; ++type)
-        members.push_back(
-            {"AlphaComp_8u_AC4R type " + std::to_string(type), b4, b4, b4, false, 1, [type](const Call& c) {
-                 return ippiAlphaComp_8u_AC4R(c.src1, c.src1Step, c.src2, c.src2Step, c.dst, c.dstStep, c.size,
-                                              static_cast<IppiAlphaType>(type));
-             }});
-    // In place, as the processors may call them: the SSE4.1 kernels read the byte before each block
-    // of four pixels, which the block before has already written.
-    members.push_back({"AlphaPremul_8u_AC4R in place", kNone, kNone, b4, false, 1, [](const Call& c) {
-                           return ippiAlphaPremul_8u_AC4R(c.dst, c.dstStep, c.dst, c.dstStep, c.size);
-                       }});
-    for (IppiAlphaType type : {ippAlphaOver, ippAlphaOverPremul})
-        members.push_back({"AlphaComp_8u_AC4R type " + std::to_string(type) + " onto its first picture", kNone, b4,
-                           b4, false, 1, [type](const Call& c) {
-                               return ippiAlphaComp_8u_AC4R(c.dst, c.dstStep, c.src2, c.src2Step, c.dst, c.dstStep,
-                                                            c.size, type);
+    for (int type = ippAlphaOver; type <= ippAlphaPlusPremul; ++type) {
+        const auto alphaType = static_cast<IppiAlphaType>(type);
+        members.push_back({"AlphaComp_8u_AC4R type " + std::to_string(type), b4, b4, b4, [=](const Call& c) {
+                               return ippiAlphaComp_8u_AC4R(c.s, c.sStep, c.s2, c.s2Step, c.d, c.dStep, c.z, alphaType);
                            }});
-    const int orders[][4] = {{3, 2, 1, 0}, {0, 0, 0, 0}, {2, 0, 3, 1}, {0, 1, 2, 3}};
-    for (const auto& order : orders)
+        if (type == ippAlphaOver || type == ippAlphaOverPremul)   // onto its first picture
+            members.push_back({members.back().name + " in place", kNone, b4, b4, [=](const Call& c) {
+                                   return ippiAlphaComp_8u_AC4R(c.d, c.dStep, c.s2, c.s2Step, c.d, c.dStep, c.z,
+                                                                alphaType);
+                               }});
+    }
+    for (const auto& order : {std::array<int, 4>{3, 2, 1, 0}, {0, 0, 0, 0}, {2, 0, 3, 1}, {0, 1, 2, 3}})
         members.push_back({"SwapChannels_8u_C4IR order " + std::to_string(order[0]) + std::to_string(order[1]) +
                                std::to_string(order[2]) + std::to_string(order[3]),
-                           kNone, kNone, b4, false, 1, [order](const Call& c) {
-                               return ippiSwapChannels_8u_C4IR(c.dst, c.dstStep, c.size, order);
-                           }});
+                           kNone, kNone, b4,
+                           [order](const Call& c) { return ippiSwapChannels_8u_C4IR(c.d, c.dStep, c.z, &order[0]); }});
     return members;
 }
 
@@ -169,9 +139,8 @@ void Fill(uint8_t* p, size_t bytes, bool floats, std::mt19937& random)
             p[i] = random() % 4 == 0 ? edges[random() % 4] : static_cast<uint8_t>(random());
         return;
     }
-    const float edgeValues[] = {0.0f,   -0.0f, std::numeric_limits<float>::infinity(),
-                              -1.0f,  1.0f,  std::numeric_limits<float>::quiet_NaN(),
-                              1e-40f, 3e38f};
+    const float edgeValues[] = {0.0f, -0.0f, std::numeric_limits<float>::infinity(), -1.0f, 1.0f,
+                                std::numeric_limits<float>::quiet_NaN(), 1e-40f, 3e38f};
     std::uniform_real_distribution<float> ordinary(-2.0f, 2.0f);
     for (size_t i = 0; i + 4 <= bytes; i += 4) {
         const float v = random() % 8 == 0 ? edgeValues[random() % 8] : ordinary(random);
@@ -205,17 +174,15 @@ Picture Place(const Shape& shape, IppiSize size, size_t widen, bool floats, uint
 
 struct Trial {
     Picture src1, src2, dst;
-    IppiSize size;
     IppStatus status;
 };
 
 Trial RunAt(const Member& member, IppiSize size, const size_t widen[3], uint32_t seed, int index)
 {
     Trial trial;
-    trial.size = size;
-    trial.src1 = Place(member.src1, size, widen[0], member.floats, seed);
-    trial.src2 = Place(member.src2, size, widen[1], member.floats, seed + 1);
-    trial.dst = Place(member.dst, size, widen[2], member.floats, seed + 2);
+    trial.src1 = Place(member.src1, size, widen[0], member.Floats(), seed);
+    trial.src2 = Place(member.src2, size, widen[1], member.Floats(), seed + 1);
+    trial.dst = Place(member.dst, size, widen[2], member.Floats(), seed + 2);
     auto data = [](Picture& p) { return p.block ? p.block->Data() : nullptr; };
     const Call call = {
         data(trial.src1), trial.src1.step, data(trial.src2), trial.src2.step, data(trial.dst), trial.dst.step, size};
@@ -239,7 +206,7 @@ TEST(PixelVariants, EveryVariantMatchesThePlainOneBitForBit)
         for (const Member& member : members) {
             for (int t = 0; t < 60; ++t) {
                 // Mostly narrow pictures, where the vector loops meet their tails, and some wide ones.
-                const int width = member.minWidth + static_cast<int>(t % 3 == 0 ? random() % 300 : random() % 20);
+                const int width = member.MinWidth() + static_cast<int>(t % 3 == 0 ? random() % 300 : random() % 20);
                 const IppiSize size = {width, 1 + static_cast<int>(random() % 5)};
                 const bool contiguous = t % 4 == 0;
                 const size_t widen[3] = {contiguous ? 0 : random() % 37, contiguous ? 0 : random() % 37,
