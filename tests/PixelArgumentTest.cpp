@@ -20,15 +20,8 @@ const Ipp8u kBytes[4] = {1, 2, 3, 4};
 const Ipp32f kTwist[3][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}};
 const int kOrder[4] = {3, 2, 1, 0};
 
-const float* F(const uint8_t* p)
-{
-    return reinterpret_cast<const float*>(p);
-}
-
-float* F(uint8_t* p)
-{
-    return reinterpret_cast<float*>(p);
-}
+const float* F(const uint8_t* p) { return reinterpret_cast<const float*>(p); }
+float* F(uint8_t* p) { return reinterpret_cast<float*>(p); }
 
 // A member reduced to what a case varies: source, destination (the picture itself for an in-place
 // member), one step for both, and the size.

@@ -50,15 +50,8 @@ struct Member {
     int MinWidth() const { return name.find("422") != std::string::npos ? 2 : 1; }   // pixels in pairs
 };
 
-const float* F(const uint8_t* p)
-{
-    return reinterpret_cast<const float*>(p);
-}
-
-float* F(uint8_t* p)
-{
-    return reinterpret_cast<float*>(p);
-}
+const float* F(const uint8_t* p) { return reinterpret_cast<const float*>(p); }
+float* F(uint8_t* p) { return reinterpret_cast<float*>(p); }
 
 const Ipp32f kValue3[3] = {0.5f, -1.25f, 3e-3f};
 const Ipp32f kFactor3[3] = {1.5f, -0.75f, 255.0f};
