@@ -172,10 +172,12 @@ TEST_F(AlphaRefusal, FormatsWithoutAPathAndFramesThatLieLeaveTheOutputAlone)
         int spanShrink;           // bytes taken off in2's span, below its row
         const char* expression;   // the assertion's text, if any
     };
+    // Formats without a path, negative depths, a span below the row, a float path over byte-deep
+    // rows; then each zero depth.
     const Case cases[] = {
         {2, 4, 4, 4, 0, nullptr},   {5, 4, 4, 4, 0, nullptr},    {6, 4, 4, 4, 0, nullptr},
         {7, 4, 4, 4, 0, nullptr},   {0, -4, 4, 4, 0, nullptr},   {3, 16, 16, -16, 0, nullptr},
-        {1, 4, 4, 4, 16, nullptr},  {4, 16, 4, 16, 0, nullptr},  // a float path over byte-deep rows
+        {1, 4, 4, 4, 16, nullptr},  {4, 16, 4, 16, 0, nullptr},
         {0, 0, 4, 4, 0, "frameIn1.m_nDepth"}, {0, 4, 0, 4, 0, "frameIn2.m_nDepth"},
         {0, 4, 4, 0, 0, "frameOut.m_nDepth"},
     };
