@@ -109,7 +109,7 @@ TEST_P(AlphaCompositing, EachPathRoundsAndSaturatesByItsOwnRules)
 
 // Blend, premultiply and fade write only the top-left area their frames share, each frame the
 // narrowest or the shortest somewhere.
-TEST_P(AlphaCompositing, EachProcessorWritesOnlyTheCommonArea)
+TEST_P(AlphaCompositing, EachProcessorWritesOnlyTheCommonAreaInMemoryOrder)
 {
     for (PixelFormat format : kFourSampleFormats) {
         SCOPED_TRACE(testing::Message() << "format " << format);
@@ -136,30 +136,21 @@ TEST_P(AlphaCompositing, EachProcessorWritesOnlyTheCommonArea)
         EXPECT_EQ(CAlphaPremul().Process(*none, *premul), format != pfVideoSample);
         EXPECT_EQ(blended.Memory(), blendedNow);
         EXPECT_EQ(premul.Memory(), premulNow);
-    }
-}
 
-// A record with a negative span starts at its top row; the blend walks it from its lowest row, as
-// it would a CFrame made over that record.
-TEST_P(AlphaCompositing, BlendWalksRecordsWithNegativeSpansFromTheirLowestRow)
-{
-    for (PixelFormat format : kFourSampleFormats) {
-        TestFrame in1(format, 3, 2, 0, 0), in2(format, 3, 2, 0, 0), out(format, 3, 2, 0, 0);
-        in1.FillPattern();
-        in2.FillPattern();
-        for (int i = 0; i < 6; ++i) {
-            std::vector<double> opaque = in1.Bgra(i % 3, i / 3);
-            opaque[3] = in1.Floats() ? 1.0 : 255;
-            in1.SetBgra(i % 3, i / 3, opaque);
-        }
+        // A record with a negative span starts at its top row; the blend walks it from its lowest
+        // row, as it would a CFrame made over that record. An opaque foreground comes through as
+        // it is, row for row in memory.
+        TestFrame opaque(format, 3, 2, 0, 0), back(format, 3, 2, 0, 0), out(format, 3, 2, 0, 0);
+        opaque.FillPattern();
+        back.FillPattern();
+        for (int i = 0; i < 6; ++i)
+            opaque.SetSample(i % 3, i / 3, format % 3 == 1 ? 0 : 3, opaque.Floats() ? 1.0 : 255);   // 1, 4: alpha first
         FrameParams outParams = out->GetFrameParams();
         outParams.pBuffer += outParams.nByteSpan;   // the top row of a bottom-up picture
         outParams.nByteSpan = -outParams.nByteSpan;
-        ASSERT_TRUE(CAlphaBlend().Process(in1->GetFrameParams(), in2->GetFrameParams(), outParams, true)) << format;
-        // An opaque foreground comes through as it is, row for row in memory.
-        const size_t pictureBytes = static_cast<size_t>(in1->m_nByteSpan) * 2;
-        EXPECT_TRUE(std::equal(in1.Memory().begin(), in1.Memory().begin() + pictureBytes, out.Memory().begin()))
-            << format;
+        ASSERT_TRUE(CAlphaBlend().Process(opaque->GetFrameParams(), back->GetFrameParams(), outParams, true));
+        const size_t pictureBytes = static_cast<size_t>(opaque->m_nByteSpan) * 2;
+        EXPECT_TRUE(std::equal(opaque.Memory().begin(), opaque.Memory().begin() + pictureBytes, out.Memory().begin()));
     }
 }
 
@@ -171,22 +162,28 @@ protected:
     Platform::IUserInterface* m_pPrevious = nullptr;
 };
 
+// A zero depth is reported by its expression, once, before the refusal; other lies are refused
+// without a word.
 TEST_F(AlphaRefusal, FormatsWithoutAPathAndFramesThatLieLeaveTheOutputAlone)
 {
     struct Case {
-        const char* what;
         int format;
         int depth1, depth2, depthOut;
-        int spanShrink;   // bytes taken off in2's span, below its row
+        int spanShrink;           // bytes taken off in2's span, below its row
+        const char* expression;   // the assertion's text, if any
     };
+    // Formats without a path, negative depths, a span below the row, a float path over byte-deep
+    // rows; then each zero depth.
     const Case cases[] = {
-        {"format 2", 2, 4, 4, 4, 0},         {"format 5", 5, 4, 4, 4, 0},
-        {"format 6", 6, 4, 4, 4, 0},         {"format 7", 7, 4, 4, 4, 0},
-        {"negative in1 depth", 0, -4, 4, 4, 0}, {"negative out depth", 3, 16, 16, -16, 0},
-        {"span below the row", 1, 4, 4, 4, 16}, {"float path over byte-deep rows", 4, 16, 4, 16, 0},
+        {2, 4, 4, 4, 0, nullptr},   {5, 4, 4, 4, 0, nullptr},    {6, 4, 4, 4, 0, nullptr},
+        {7, 4, 4, 4, 0, nullptr},   {0, -4, 4, 4, 0, nullptr},   {3, 16, 16, -16, 0, nullptr},
+        {1, 4, 4, 4, 16, nullptr},  {4, 16, 4, 16, 0, nullptr},
+        {0, 0, 4, 4, 0, "frameIn1.m_nDepth"}, {0, 4, 0, 4, 0, "frameIn2.m_nDepth"},
+        {0, 4, 4, 0, 0, "frameOut.m_nDepth"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
+        SCOPED_TRACE(testing::Message() << "case " << (&c - cases));
+        m_ui.ClearAlerts();
         const PixelFormat format = static_cast<PixelFormat>(c.format);
         TestFrame in1(format, 4, 3, std::abs(c.depth1)), in2(format, 4, 3, std::abs(c.depth2)),
             out(format, 4, 3, std::abs(c.depthOut));
@@ -196,9 +193,15 @@ TEST_F(AlphaRefusal, FormatsWithoutAPathAndFramesThatLieLeaveTheOutputAlone)
         in2->m_nDepth = c.depth2;
         out->m_nDepth = c.depthOut;
         in2->m_nByteSpan -= c.spanShrink;
+        testing::internal::CaptureStdout();
         out.ExpectRefused([&] { return CAlphaBlend().Process(in1.Get(), in2.Get(), out.Get(), false); });
+        const std::string printed = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(m_ui.Alerts().size(), c.expression ? 1u : 0u);
+        EXPECT_EQ(printed.empty(), c.expression == nullptr) << printed;
+        const std::string said = c.expression ? std::string("Assertion failed: ") + c.expression + "; in " : "";
+        EXPECT_NE(printed.find(said), std::string::npos) << printed;
+        EXPECT_NE(printed.find(c.expression ? "(Processor" : ""), std::string::npos) << printed;
     }
-    EXPECT_TRUE(m_ui.Alerts().empty());
 
     // Premultiply of formats without a path and into rows too short; fade of one-byte rows.
     for (int format : {2, 5, 6, 7}) {
@@ -217,42 +220,31 @@ TEST_F(AlphaRefusal, FormatsWithoutAPathAndFramesThatLieLeaveTheOutputAlone)
     EXPECT_FALSE(CAlphaBlend().Process(wide.Get(), wide.Get(), nullptr, true));
 }
 
-TEST_F(AlphaRefusal, ZeroDepthIsReportedByItsExpressionThenRefused)
-{
-    const char* const expressions[] = {"frameIn1.m_nDepth", "frameIn2.m_nDepth", "frameOut.m_nDepth"};
-    for (int which = 0; which < 3; ++which) {
-        m_ui.ClearAlerts();
-        TestFrame in1(pfVideoSample, 2, 2), in2(pfVideoSample, 2, 2), out(pfVideoSample, 2, 2);
-        CFrame* frames[] = {in1.Get(), in2.Get(), out.Get()};
-        frames[which]->m_nDepth = 0;
-        testing::internal::CaptureStdout();
-        out.ExpectRefused([&] { return CAlphaBlend().Process(in1.Get(), in2.Get(), out.Get(), false); });
-        const std::string printed = testing::internal::GetCapturedStdout();
-        EXPECT_NE(printed.find(std::string("Assertion failed: ") + expressions[which] + "; in "), std::string::npos)
-            << printed;
-        EXPECT_NE(printed.find("(Processor"), std::string::npos) << printed;
-        EXPECT_EQ(m_ui.Alerts().size(), 1u) << expressions[which];
-    }
-}
-
 // The run covers whole spans, padding included; a frame of one sample a pixel inverts every
-// sample. Bytes become 255 minus their value, floats 1 minus theirs, unclamped.
+// sample. Bytes become 255 minus their value, floats 1 minus theirs, unclamped. Channels outside
+// the record and unknown depths are refused.
 TEST(InvertChannel, InvertsOnePositionOfEveryPixelPaddingIncluded)
 {
     struct Case {
         PixelFormat format;
         int depth, channel;
-        int every, first;   // the inverted samples: every such one, from this first
+        int every, first;   // the inverted samples: every such one, from this first; 0, 0 for a refusal
     };
     const Case cases[] = {
         {pfVideoSample, 4, 2, 4, 2},      {pfVideoSampleSwapped, 4, 0, 4, 0},       {pfMono8, 1, 4, 1, 0},
         {pfVideoSampleFloat, 16, 3, 4, 3}, {pfVideoSampleSwappedFloat, 16, 1, 4, 1}, {pfMonoFloat, 4, 9, 1, 0},
         {static_cast<PixelFormat>(2), 4, 3, 4, 3}, {static_cast<PixelFormat>(5), 1, -1, 1, 0},
+        {pfVideoSample, 4, 4, 0, 0},       {pfVideoSampleSwapped, 4, -1, 0, 0},      {pfVideoSampleFloat, 16, 4, 0, 0},
+        {pfVideoSampleSwappedFloat, 16, -2, 0, 0}, {static_cast<PixelFormat>(2), 2, 0, 0, 0}, {pfMono8, 3, 0, 0, 0},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << "format " << c.format);
+        SCOPED_TRACE(testing::Message() << "format " << c.format << " depth " << c.depth << " channel " << c.channel);
         TestFrame frame(c.format, 3, 2, c.depth, c.depth * 2);
         frame.FillPattern();
+        if (c.every == 0) {
+            frame.ExpectRefused([&] { return CInvertChannel().Process(frame.Get(), c.channel); });
+            continue;
+        }
         const bool floats = frame.Floats();
         frame.SetSample(0, 0, c.first, 0);
         frame.SetSample(1, 0, c.first, floats ? 1.5 : 255);
@@ -260,32 +252,17 @@ TEST(InvertChannel, InvertsOnePositionOfEveryPixelPaddingIncluded)
         const std::vector<uint8_t> before = frame.Memory();
         ASSERT_TRUE(CInvertChannel().Process(frame.Get(), c.channel));
         const size_t end = static_cast<size_t>(frame->m_nByteSpan) * frame->m_nHeight, size = floats ? 4 : 1;
+        auto at = [&](const uint8_t* sample) {
+            float value = *sample;
+            if (floats)
+                std::memcpy(&value, sample, 4);
+            return value;
+        };
         for (size_t i = 0; i < before.size(); i += size) {
+            const float was = at(&before[i]), full = floats ? 1.0f : 255.0f;
             const bool inverted = i < end && i / size % c.every == static_cast<size_t>(c.first);
-            if (floats) {
-                float was, now;
-                std::memcpy(&was, &before[i], 4);
-                std::memcpy(&now, &frame.Memory()[i], 4);
-                ASSERT_EQ(now, inverted ? 1.0f - was : was) << "float " << i / 4;
-            } else {
-                ASSERT_EQ(frame.Memory()[i], inverted ? 255 - before[i] : before[i]) << "byte " << i;
-            }
+            ASSERT_EQ(at(&frame.Memory()[i]), inverted ? full - was : was) << "sample " << i / size;
         }
-    }
-}
-
-TEST(InvertChannel, RefusesChannelsOutsideTheRecordAndUnknownDepths)
-{
-    const struct {
-        PixelFormat format;
-        int depth, channel;
-    } cases[] = {{pfVideoSample, 4, 4},       {pfVideoSampleSwapped, 4, -1},        {pfVideoSampleFloat, 16, 4},
-                 {pfVideoSampleSwappedFloat, 16, -2}, {static_cast<PixelFormat>(2), 2, 0}, {pfMono8, 3, 0}};
-    for (const auto& c : cases) {
-        TestFrame frame(c.format, 3, 2, c.depth);
-        frame.FillPattern();
-        SCOPED_TRACE(testing::Message() << "format " << c.format << " channel " << c.channel);
-        frame.ExpectRefused([&] { return CInvertChannel().Process(frame.Get(), c.channel); });
     }
     EXPECT_FALSE(CInvertChannel().Process(nullptr, 0));
 }

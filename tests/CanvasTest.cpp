@@ -106,17 +106,17 @@ TEST(Canvas, RefusesPixelsOutsideOtherFormatsAndBadWeights)
     narrow.ExpectRefused([&] { return painter.DrawPixelMain(narrow.Get(), 3, 3, 0.0f, kWhite); });
 }
 
-TEST(Canvas, ShortAndFlatLinesCoverTheirEndsAndRows)
+TEST(Canvas, ShortFlatAndDiagonalLinesCoverTheirEndsAndRows)
 {
-    TestFrame canvas(pfVideoSample, 10, 5);
+    TestFrame canvas(pfVideoSample, 12, 12);
     Paint(canvas);
     const std::vector<uint8_t> before = canvas.Memory();
     Line(canvas, 2.0, 2.0, 2.0, 2.0, kWhite);
     EXPECT_EQ(canvas.Memory(), before) << "a line of no length draws nothing";
     // A tenth of a pixel draws its one pixel twice, at weight 0: full red both times.
     Line(canvas, 2.0, 2.0, 2.1, 2.0, kRed);
-    for (int i = 0; i < 50; ++i)
-        EXPECT_EQ(Touched(canvas, before, i % 10, i / 10), i == 22) << i % 10 << "," << i / 10;
+    for (int i = 0; i < 144; ++i)
+        EXPECT_EQ(Touched(canvas, before, i % 12, i / 12), i == 26) << i % 12 << "," << i / 12;
     EXPECT_EQ(At(canvas, 2, 2), std::vector<double>({0, 0, 254, 77}));
 
     // A flat line at a whole row paints that row; its end points cover one pixel only, and inside,
@@ -128,16 +128,11 @@ TEST(Canvas, ShortAndFlatLinesCoverTheirEndsAndRows)
         EXPECT_EQ(At(canvas, x, 3)[1], (x == 0 || x == 9) ? 100 : (100 * 255) >> 8) << x;
         EXPECT_FALSE(Touched(canvas, before, x, 1) || Touched(canvas, before, x, 4)) << x;
     }
-}
 
-TEST(Canvas, EqualMagnitudesCountAsSteep)
-{
-    TestFrame canvas(pfVideoSample, 12, 12);
+    // Equal magnitudes count as steep: an end point also covers the pixel beside it on the minor
+    // axis, here x = 1 at y = 0, at weight (1 - 0) x 0.5; a flat one would leave it alone.
     Paint(canvas);
-    const std::vector<uint8_t> before = canvas.Memory();
     Line(canvas, 0.0, 0.0, 10.0, 10.0, kRed);
-    // A steep end point also covers the pixel beside it on the minor axis, here x = 1 at y = 0,
-    // at weight (1 - 0) x 0.5; a flat one would leave it alone.
     EXPECT_EQ(At(canvas, 0, 0)[2], 254);
     EXPECT_EQ(At(canvas, 1, 0)[1], (100 * 127) >> 8);
     EXPECT_FALSE(Touched(canvas, before, 0, 1));
@@ -148,31 +143,28 @@ TEST(Canvas, EqualMagnitudesCountAsSteep)
     }
 }
 
-TEST(Canvas, ExchangedEndPointsGiveTheSameLine)
+// Exchanged end points give the same line. A line partly outside draws the pixels inside and
+// no row padding; one wholly outside, or too far or not a number, draws nothing.
+TEST(Canvas, LinesAreTheSameEitherWayAndDrawOnlyInside)
 {
     const double lines[][4] = {{1.3, 2.7, 8.6, 5.2}, {2.2, 0.4, 4.9, 9.7}, {7.5, 1.5, 0.25, 8.75}, {0, 0, 9, 9}};
-    for (PixelFormat format : kFourSampleFormats)
+    for (PixelFormat format : kFourSampleFormats) {
+        SCOPED_TRACE(testing::Message() << "format " << format);
         for (const auto& e : lines) {
             TestFrame forward(format, 11, 11), backward(format, 11, 11);
             Paint(forward);
             Paint(backward);
             Line(forward, e[0], e[1], e[2], e[3], 0x0030C050u);
             Line(backward, e[2], e[3], e[0], e[1], 0x0030C050u);
-            EXPECT_EQ(forward.Memory(), backward.Memory()) << format << " " << e[0] << "," << e[1];
+            EXPECT_EQ(forward.Memory(), backward.Memory()) << e[0] << "," << e[1];
         }
-}
-
-TEST(Canvas, LinesPartlyOrWhollyOutsideDrawOnlyInside)
-{
-    for (PixelFormat format : kFourSampleFormats) {
-        SCOPED_TRACE(testing::Message() << "format " << format);
         TestFrame canvas(format, 10, 5);
         Paint(canvas);
         const std::vector<uint8_t> painted = canvas.Memory();
         Line(canvas, -5.0, 2.0, 20.0, 2.0, kWhite);
         for (int x = 0; x < 10; ++x)
             EXPECT_NEAR(At(canvas, x, 2)[2], 254.0, 1.0) << x;
-        canvas.ExpectUntouchedOutside(painted, 10, 5);   // the row padding is never written
+        canvas.ExpectUntouchedOutside(painted, 10, 5);
         canvas.ExpectRefused([&] {
             Line(canvas, -50.0, -50.0, -10.0, -3.0, kWhite);
             Line(canvas, 1e300, 0.0, 0.0, 1.0, kWhite);

@@ -4,10 +4,8 @@
 #include <array>
 #include <cmath>
 #include <functional>
-#include <iterator>
 #include <limits>
 #include <memory>
-#include <vector>
 
 #include "../Common/ChannelReverse.h"
 #include "../Common/ColorSpaceConverter.h"
@@ -22,12 +20,7 @@
 
 namespace {
 
-TEST_SUITE_AT_EACH_VARIANT(ColorSpaceConverter);
-TEST_SUITE_AT_EACH_VARIANT(ChannelReverse);
-TEST_SUITE_AT_EACH_VARIANT(CopyPlane);
-TEST_SUITE_AT_EACH_VARIANT(SetColor);
-TEST_SUITE_AT_EACH_VARIANT(FloatArithmetic);
-TEST_SUITE_AT_EACH_VARIANT(Refusals);
+TEST_SUITE_AT_EACH_VARIANT(ColourAndChannels);
 
 const float kByteToFloat = 1.0f / 255.0f;
 const float kNaN = std::numeric_limits<float>::quiet_NaN();
@@ -42,17 +35,17 @@ void ExpectSamplesFrom(const TestFrame& dst, const TestFrame& src, int width, in
                 ASSERT_EQ(dst.Sample(x, y, s), src.Sample(x, y, from[s])) << x << "," << y << " sample " << s;
 }
 
-// The four bytes of a float frame's alpha at (x, y) were never written.
+// The alpha of an alpha-first float frame at (x, y) was never written.
 bool AlphaUntouched(TestFrame& frame, int x, int y)
 {
-    const uint8_t* alpha = &frame.Memory()[frame.Offset(x, y)];
-    return std::all_of(alpha, alpha + 4, [](uint8_t b) { return b == TestFrame::kSentinel; });
+    const uint8_t* alpha = &frame.Byte(x, y, 0);
+    return std::count(alpha, alpha + 4, TestFrame::kSentinel) == 4;
 }
 
 // Floats become bytes clamped and rounded, not-a-number as black; bytes become floats by 1/255;
 // between the two records of one sample type the samples are reversed. An empty destination is
 // nothing to do.
-TEST_P(ColorSpaceConverter, ConvertsInTheirOwnOrReversedOrderOverTheCommonArea)
+TEST_P(ColourAndChannels, ConvertsInTheirOwnOrReversedOrderOverTheCommonArea)
 {
     const float floats[] = {1.0f, 0.999f, 0.5f, 0.0f, 1.5f, -0.1f, 0.0019f, 0.002f, kNaN, 0.998f, 0.25f, 2.0f};
     const int bytes[] = {255, 255, 128, 0, 255, 0, 0, 1, 0, 254, 64, 255};
@@ -81,7 +74,7 @@ TEST_P(ColorSpaceConverter, ConvertsInTheirOwnOrReversedOrderOverTheCommonArea)
     }
 }
 
-TEST_P(ColorSpaceConverter, StudioRangeYCbCrOfGreyAndBack)
+TEST_P(ColourAndChannels, StudioRangeYCbCrOfGreyAndBack)
 {
     for (float grey : {0.0f, 0.2f, 0.5f, 1.0f}) {
         SCOPED_TRACE(testing::Message() << "grey " << grey);
@@ -100,38 +93,37 @@ TEST_P(ColorSpaceConverter, StudioRangeYCbCrOfGreyAndBack)
     }
 }
 
-TEST_P(ColorSpaceConverter, MatrixOperationsTakeOnlyAlphaFirstFloats)
+TEST_P(ColourAndChannels, MatrixOperationsTakeOnlyAlphaFirstFloats)
 {
-    float identity[3][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}};
     float twist[3][4] = {{0, 0, 1, 0.5f}, {0, 2, 0, 0}, {1, 1, 1, -1}};
     float constants[3] = {2.0f, -1.0f, 0.5f};
-    TestFrame src(pfVideoSampleSwappedFloat, 3, 2), dst(pfVideoSampleSwappedFloat, 2, 3);
+    TestFrame src(pfVideoSampleSwappedFloat, 3, 2), original(pfVideoSampleSwappedFloat, 3, 2),
+        dst(pfVideoSampleSwappedFloat, 2, 3);
     src.FillPattern();
+    original.FillPattern();
     Processors::CColorSpaceConverter converter;
-    const std::vector<uint8_t> before = dst.Memory();
-    ASSERT_TRUE(converter.ProcessColorMatrix32f(*src, *dst, identity));
-    EXPECT_TRUE(AlphaUntouched(dst, 1, 1)) << "alpha is never written";
-    for (int i = 0; i < 4; ++i)
-        for (int s = 1; s < 4; ++s)
-            EXPECT_EQ(dst.GetFloat(i % 2, i / 2, s), src.GetFloat(i % 2, i / 2, s));
-    dst.ExpectUntouchedOutside(before, 2, 2);
-    const float r = src.GetFloat(1, 1, 1), g = src.GetFloat(1, 1, 2), b = src.GetFloat(1, 1, 3);
-    ASSERT_TRUE(converter.ProcessColorMatrix32f(*src, *src, twist));
-    EXPECT_EQ(src.GetFloat(1, 1, 1), b + 0.5f);
-    EXPECT_EQ(src.GetFloat(1, 1, 2), 2 * g);
-    EXPECT_EQ(src.GetFloat(1, 1, 3), ((r + -1.0f) + g) + b);
-    ASSERT_TRUE(converter.ProcessMulC32f(*src, *dst, constants));
-    EXPECT_EQ(dst.GetFloat(1, 1, 1), src.GetFloat(1, 1, 1) * 2.0f);
-    EXPECT_EQ(dst.GetFloat(1, 1, 3), src.GetFloat(1, 1, 3) * 0.5f);
-    ASSERT_TRUE(converter.ProcessAddC32f(*dst, *dst, constants));
-    EXPECT_EQ(dst.GetFloat(1, 1, 1), src.GetFloat(1, 1, 1) * 2.0f + 2.0f);
+    const std::vector<uint8_t> dstBefore = dst.Memory(), srcBefore = src.Memory();
+    // Back and forth between frames of other spans (the in-place forms go with the round trip):
+    // multiplied, twisted, added.
+    ASSERT_TRUE(converter.ProcessMulC32f(*src, *dst, constants) && converter.ProcessColorMatrix32f(*dst, *src, twist) &&
+                converter.ProcessAddC32f(*src, *dst, constants));
+    dst.ExpectUntouchedOutside(dstBefore, 2, 2);
+    src.ExpectUntouchedOutside(srcBefore, 2, 2);
+    for (int i = 0; i < 4; ++i) {
+        const int x = i % 2, y = i / 2;
+        const float r = original.GetFloat(x, y, 1), g = original.GetFloat(x, y, 2), b = original.GetFloat(x, y, 3);
+        EXPECT_TRUE(AlphaUntouched(dst, x, y)) << "alpha is never written";
+        EXPECT_EQ(dst.GetFloat(x, y, 1), (b * 0.5f + 0.5f) + 2.0f);
+        EXPECT_EQ(dst.GetFloat(x, y, 2), 2 * (g * -1.0f) + -1.0f);
+        EXPECT_EQ(dst.GetFloat(x, y, 3), (((r * 2.0f + -1.0f) + g * -1.0f) + b * 0.5f) + 0.5f);
+    }
 
     // Any other format, an empty area or missing constants: false, and nothing written.
     TestFrame bgra(pfVideoSampleFloat, 2, 2), target(pfVideoSampleSwappedFloat, 2, 2),
         empty(pfVideoSampleSwappedFloat, 2, 0);
     target.ExpectRefused([&] {
         Processors::CColorSpaceConverter& c = converter;
-        return c.ProcessColorMatrix32f(*bgra, *target, identity) || c.ProcessMulC32f(*bgra, *target, constants) ||
+        return c.ProcessColorMatrix32f(*bgra, *target, twist) || c.ProcessMulC32f(*bgra, *target, constants) ||
                c.ProcessAddC32f(*target, *bgra, constants) || c.ProcessAddC32f(*empty, *target, constants) ||
                c.ProcessMulC32f(*src, *target, nullptr) || !c.ARGB32ToAppleR4FL(*bgra, *target) ||
                !c.AppleR4FLToARGB32(*bgra, *target);
@@ -141,7 +133,7 @@ TEST_P(ColorSpaceConverter, MatrixOperationsTakeOnlyAlphaFirstFloats)
 // Each entry of an order names the old position its position takes.
 // In place: reversed, or permuted by an order whose entries each name the old position their own
 // takes. Reversal into another frame goes with the converter's cases.
-TEST_P(ChannelReverse, ReversesAndPermutesInPlace)
+TEST_P(ColourAndChannels, ReversesAndPermutesInPlace)
 {
     const unsigned int orders[][4] = {{3, 2, 1, 0}, {0, 0, 0, 0}, {1, 2, 3, 0}, {2, 2, 3, 3}};
     for (PixelFormat format : kFourSampleFormats) {
@@ -161,7 +153,7 @@ TEST_P(ChannelReverse, ReversesAndPermutesInPlace)
     }
 }
 
-TEST_P(CopyPlane, MovesOneChannelBetweenEveryPairOfDepths)
+TEST_P(ColourAndChannels, MovesOneChannelBetweenEveryPairOfDepths)
 {
     const struct {
         PixelFormat srcFormat, dstFormat;
@@ -189,51 +181,41 @@ TEST_P(CopyPlane, MovesOneChannelBetweenEveryPairOfDepths)
     }
 }
 
-TEST_P(SetColor, LaysTheColourWordDownInEachFormatsOrder)
+// A colour word fills every pixel in the format's own order, floats as bytes over 255; one
+// channel takes the value's low byte. The rest of each pixel and the row padding stay.
+TEST_P(ColourAndChannels, FillsTheColourWordOrOneChannelInEachFormatsOrder)
 {
-    const unsigned int color = 0x80FF0000u;
     const float a = 128 * kByteToFloat;
+    auto colour = [](unsigned int word) { return [=](CFrame* f) { return Processors::CSetColor().Process(f, word); }; };
+    auto channel = [](unsigned int c, unsigned int value) {
+        return [=](CFrame* f) { return Processors::CSetChannelColor().Process(f, c, value); };
+    };
     const struct {
         PixelFormat format;
-        int depth;
-        unsigned int color;
+        int depth, first;   // the samples from `first` on are `expected`
+        std::function<bool(CFrame*)> fill;
         std::vector<double> expected;
     } cases[] = {
-        {pfVideoSample, 4, color, {0, 0, 255, 128}},  {pfVideoSampleSwapped, 4, color, {128, 255, 0, 0}},
-        {pfMono8, 1, 0x12345678u, {0x78}},             {static_cast<PixelFormat>(2), 1, 0x12345678u, {0x78}},
-        {pfVideoSampleFloat, 16, color, {0, 0, 1, a}}, {pfVideoSampleSwappedFloat, 16, color, {a, 1, 0, 0}},
-        {pfMonoFloat, 16, color, {a, 1, 0, 0}},        {pfMonoFloat, 4, 0x123456FFu, {1}},
-        {pfVideoSampleSwappedFloat, 4, 0xFFFFFF33u, {0x33 * kByteToFloat}},
+        {pfVideoSample, 4, 0, colour(0x80FF0000u), {0, 0, 255, 128}}, {pfMono8, 1, 0, colour(0x12345678u), {0x78}},
+        {pfVideoSampleSwapped, 4, 0, colour(0x80FF0000u), {128, 255, 0, 0}},
+        {static_cast<PixelFormat>(2), 1, 0, colour(0x12345678u), {0x78}}, {pfMonoFloat, 4, 0, colour(0x123456FFu), {1}},
+        {pfVideoSampleFloat, 16, 0, colour(0x80FF0000u), {0, 0, 1, a}},
+        {pfMonoFloat, 16, 0, colour(0x80FF0000u), {a, 1, 0, 0}},
+        {pfVideoSampleSwappedFloat, 16, 0, colour(0x80FF0000u), {a, 1, 0, 0}},
+        {pfVideoSampleSwappedFloat, 4, 0, colour(0xFFFFFF33u), {0x33 * kByteToFloat}},
+        {pfVideoSample, 4, 1, channel(1, 0x1FF), {255}}, {pfVideoSampleSwapped, 4, 0, channel(0, 0x100), {0}},
+        {pfVideoSampleFloat, 16, 3, channel(3, 51), {51 * kByteToFloat}},
+        {pfVideoSampleSwappedFloat, 16, 0, channel(0, 0xFFFFFF80u), {a}},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << "format " << c.format << " depth " << c.depth);
-        TestFrame frame(c.format, 3, 2, c.depth);
-        ASSERT_TRUE(Processors::CSetColor().Process(frame.Get(), c.color));
-        for (int i = 0; i < 6; ++i)
-            for (size_t s = 0; s < c.expected.size(); ++s)
-                ASSERT_EQ(c.depth == 1 ? frame.Byte(i % 3, i / 3, s) : frame.Sample(i % 3, i / 3, s), c.expected[s]);
-        EXPECT_EQ(frame.Memory()[frame.Offset(3, 0)], TestFrame::kSentinel) << "row padding stays";
-    }
-}
-
-TEST_P(SetColor, SetChannelColorFillsOnePositionWithTheLowByte)
-{
-    const struct {
-        PixelFormat format;
-        unsigned int channel, value;
-        double expected;
-    } cases[] = {{pfVideoSample, 1, 0x1FF, 255},
-                 {pfVideoSampleSwapped, 0, 0x100, 0},
-                 {pfVideoSampleFloat, 3, 51, 51 * kByteToFloat},
-                 {pfVideoSampleSwappedFloat, 0, 0xFFFFFF80u, 128 * kByteToFloat}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << "format " << c.format);
-        TestFrame frame(c.format, 3, 2), expected(c.format, 3, 2);
+        SCOPED_TRACE(testing::Message() << "case " << (&c - cases) << ", format " << c.format);
+        TestFrame frame(c.format, 3, 2, c.depth), expected(c.format, 3, 2, c.depth);
         frame.FillPattern();
         expected.FillPattern();
         for (int i = 0; i < 6; ++i)
-            expected.SetSample(i % 3, i / 3, c.channel, c.expected);
-        ASSERT_TRUE(Processors::CSetChannelColor().Process(frame.Get(), c.channel, c.value));
+            for (size_t s = 0; s < c.expected.size(); ++s)
+                expected.SetSample(i % 3, i / 3, c.first + static_cast<int>(s), c.expected[s]);
+        ASSERT_TRUE(c.fill(frame.Get()));
         EXPECT_EQ(frame.Memory(), expected.Memory());
     }
 }
@@ -247,7 +229,7 @@ void ExpectFloats(TestFrame& frame, const float (&expected)[8])
     }
 }
 
-TEST_P(FloatArithmetic, SquareRootAndFloorRunOverAllFourSamples)
+TEST_P(ColourAndChannels, SquareRootAndFloorRunOverAllFourSamples)
 {
     const float floor[4] = {0.1f, 0.1f, 0.1f, 0.0f};
     for (PixelFormat format : {pfVideoSampleFloat, pfVideoSampleSwappedFloat}) {
@@ -271,7 +253,7 @@ TEST_P(FloatArithmetic, SquareRootAndFloorRunOverAllFourSamples)
 
 // Each processor refuses the formats, depths, spans and arguments it has no path for, and leaves
 // the frame as it was.
-TEST_P(Refusals, NoPathLeavesTheFrameAlone)
+TEST_P(ColourAndChannels, NoPathLeavesTheFrameAlone)
 {
     using namespace Processors;
     // A patterned two-by-two source frame, kept alive by the call made with it.
@@ -280,7 +262,7 @@ TEST_P(Refusals, NoPathLeavesTheFrameAlone)
         frame->FillPattern();
         return frame;
     };
-    auto convertFrom = [&](int format) {
+    auto from = [&](int format) {
         return [src = source(format)](CFrame* dst) { return CColorSpaceConverter().Process(src->Get(), dst); };
     };
     auto copy = [&](int format, int depth, int srcPlane, int dstPlane) {
@@ -288,60 +270,47 @@ TEST_P(Refusals, NoPathLeavesTheFrameAlone)
             return CCopyPlane().Process(src->Get(), dst, srcPlane, dstPlane);
         };
     };
-    auto order = [](std::array<unsigned int, 4> entries) {
-        return [=](CFrame* frame) mutable { return CChannelReverse().Process(frame, entries.data()); };
+    auto order = [](std::array<unsigned int, 4> o) {
+        return [=](CFrame* frame) mutable { return CChannelReverse().Process(frame, o.data()); };
     };
-    auto setColor = [](CFrame* frame) { return CSetColor().Process(frame, 0xFFFFFFFFu); };
-    auto setChannel = [](unsigned int channel) {
-        return [=](CFrame* frame) { return CSetChannelColor().Process(frame, channel, 9); };
-    };
+    auto fill = [](CFrame* frame) { return CSetColor().Process(frame, 0xFFFFFFFFu); };
+    auto channel = [](unsigned int c) { return [=](CFrame* f) { return CSetChannelColor().Process(f, c, 9); }; };
     auto arithmetic = [](CFrame* frame) {
         const float floor[4] = {1, 1, 1, 1};
         return CSqrInPlace().Process(frame) || CSqrtInPlace().Process(frame) ||
                CThresholdLTInPlace().Process(frame, floor);
     };
     struct Case {
-        int format, depth, width, height;
-        int span;   // -1 keeps the frame's own
+        int format, depth;
         std::function<bool(CFrame*)> call;
+        int width = 3, height = 2, span = -1;   // span -1 keeps the frame's own
     };
     const Case cases[] = {
         // Conversions between formats without a path, and rows too short for four-float pixels.
-        {3, 0, 3, 2, -1, convertFrom(1)}, {1, 0, 3, 2, -1, convertFrom(3)}, {0, 0, 3, 2, -1, convertFrom(0)},
-        {3, 0, 3, 2, -1, convertFrom(3)}, {4, 0, 3, 2, -1, convertFrom(4)}, {6, 0, 3, 2, -1, convertFrom(0)},
-        {3, 0, 3, 2, -1, convertFrom(6)}, {4, 0, 3, 2, -1, convertFrom(7)}, {3, 0, 3, 2, -1, convertFrom(2)},
-        {5, 0, 3, 2, -1, convertFrom(0)}, {7, 0, 3, 2, -1, convertFrom(7)}, {3, 4, 3, 2, -1, convertFrom(0)},
-        {3, 0, 3, 2, -1, [](CFrame* dst) { return CColorSpaceConverter().Process(nullptr, dst); }},
+        {3, 0, from(1)}, {1, 0, from(3)}, {0, 0, from(0)}, {3, 0, from(3)}, {4, 0, from(4)}, {6, 0, from(0)},
+        {3, 0, from(6)}, {4, 0, from(7)}, {3, 0, from(2)}, {5, 0, from(0)}, {7, 0, from(7)}, {3, 4, from(0)},
+        {3, 0, [](CFrame* dst) { return CColorSpaceConverter().Process(nullptr, dst); }},
         // Orders beyond the record, formats without four samples, no rows, frames missing.
-        {3, 0, 3, 2, -1, order({0, 1, 2, 4})}, {4, 0, 3, 2, -1, order({4, 0, 0, 0})},
-        {0, 0, 3, 2, -1, order({0, 1, 2, 4})}, {1, 0, 3, 2, -1, order({0xFFFFFFFFu, 1, 2, 3})},
-        {6, 0, 3, 2, -1, order({0, 1, 2, 3})}, {7, 0, 3, 2, -1, order({0, 1, 2, 3})},
-        {3, 0, 3, 0, -1, order({0, 1, 2, 3})},
-        {0, 0, 3, 2, -1, [](CFrame* dst) { return CChannelReverse().Process(nullptr, dst); }},
-        {0, 0, 3, 2, -1, [](CFrame* dst) { return CChannelReverse().Process(dst, static_cast<CFrame*>(nullptr)); }},
-        {0, 0, 2, 2, -1, [](CFrame* dst) {
-             TestFrame mono(pfMono8, 2, 2);
-             return CChannelReverse().Process(mono.Get(), dst);
-         }},
+        {3, 0, order({0, 1, 2, 4})}, {4, 0, order({4, 0, 0, 0})}, {0, 0, order({0, 1, 2, 4})},
+        {1, 0, order({0xFFFFFFFFu, 1, 2, 3})}, {6, 0, order({0, 1, 2, 3})}, {7, 0, order({0, 1, 2, 3})},
+        {3, 0, order({0, 1, 2, 3}), 3, 0},
+        {0, 0, [](CFrame* dst) { return CChannelReverse().Process(nullptr, dst); }},
+        {0, 0, [](CFrame* dst) { return CChannelReverse().Process(dst, static_cast<CFrame*>(nullptr)); }},
+        {0, 0, [src = source(6)](CFrame* dst) { return CChannelReverse().Process(src->Get(), dst); }},
         // Plane copies between depths without a primitive, and planes beyond the record.
-        {0, 1, 2, 2, -1, copy(3, 16, 0, 0)}, {0, 4, 2, 2, -1, copy(7, 4, 0, 0)}, {0, 16, 2, 2, -1, copy(0, 4, 0, 0)},
-        {0, 1, 2, 2, -1, copy(1, 1, 0, 0)},  {0, 4, 2, 2, -1, copy(2, 4, 0, 0)}, {0, 16, 2, 2, -1, copy(5, 16, 0, 0)},
-        {0, 4, 2, 2, -1, copy(0, 4, 4, 0)},  {0, 16, 2, 2, -1, copy(4, 16, 0, -1)},
+        {0, 1, copy(3, 16, 0, 0)}, {0, 4, copy(7, 4, 0, 0)}, {0, 16, copy(0, 4, 0, 0)}, {0, 1, copy(1, 1, 0, 0)},
+        {0, 4, copy(2, 4, 0, 0)}, {0, 16, copy(5, 16, 0, 0)}, {0, 4, copy(0, 4, 4, 0)}, {0, 16, copy(4, 16, 0, -1)},
         // Fills of formats and depths without one, a span that can't hold a row, channels beyond the record.
-        {2, 4, 3, 2, -1, setColor}, {5, 16, 3, 2, -1, setColor}, {6, 4, 3, 2, -1, setColor},
-        {3, 8, 3, 2, -1, setColor}, {7, 8, 3, 2, -1, setColor}, {0, 4, 3, 2, 8, setColor},
-        {0, 0, 3, 2, -1, [](CFrame*) { return CSetColor().Process(nullptr, 0); }},
-        {7, 4, 3, 2, -1, setChannel(0)}, {6, 1, 3, 2, -1, setChannel(0)}, {0, 16, 3, 2, -1, setChannel(0)},
-        {3, 4, 3, 2, -1, setChannel(0)}, {2, 4, 3, 2, -1, setChannel(0)}, {0, 4, 3, 2, -1, setChannel(4)},
-        {4, 16, 3, 2, -1, setChannel(7)},
+        {2, 4, fill}, {5, 16, fill}, {6, 4, fill}, {3, 8, fill}, {7, 8, fill}, {0, 4, fill, 3, 2, 8},
+        {0, 0, [](CFrame*) { return CSetColor().Process(nullptr, 0); }},
+        {7, 4, channel(0)}, {6, 1, channel(0)}, {0, 16, channel(0)}, {3, 4, channel(0)}, {2, 4, channel(0)},
+        {0, 4, channel(4)}, {4, 16, channel(7)},
         // Arithmetic on anything but whole four-float frames.
-        {0, 4, 2, 2, -1, arithmetic}, {7, 4, 2, 2, -1, arithmetic}, {2, 16, 2, 2, -1, arithmetic},
-        {3, 16, 0, 2, -1, arithmetic}, {4, 16, 2, 0, -1, arithmetic}, {3, 16, 2, 2, 0, arithmetic},
-        {4, 16, 2, 2, 24, arithmetic},
+        {0, 4, arithmetic}, {7, 4, arithmetic}, {2, 16, arithmetic}, {3, 16, arithmetic, 0, 2},
+        {4, 16, arithmetic, 2, 0}, {3, 16, arithmetic, 2, 2, 0}, {4, 16, arithmetic, 2, 2, 24},
     };
-    for (size_t i = 0; i < std::size(cases); ++i) {
-        const Case& c = cases[i];
-        SCOPED_TRACE(testing::Message() << "case " << i << ", format " << c.format << " depth " << c.depth);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << (&c - cases) << ", format " << c.format << " depth " << c.depth);
         TestFrame frame(static_cast<PixelFormat>(c.format), c.width, c.height, c.depth);
         frame.FillPattern();
         if (c.span >= 0)

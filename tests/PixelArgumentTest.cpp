@@ -6,73 +6,18 @@
 #include <string>
 #include <vector>
 
-#include "../primitives/ippi.h"
+#include "PixelMembers.h"
 #include "VariantIndex.h"
 
 namespace
 {
 
+using namespace PixelMembers;
+
 const int kStep = 64;
 const uint8_t kSrc[4 * kStep] = {};
-const Ipp32f kThree[3] = {1, 2, 3};
 const Ipp32f kFour[4] = {1, 2, 3, 4};
-const Ipp8u kBytes[4] = {1, 2, 3, 4};
-const Ipp32f kTwist[3][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}};
 const int kOrder[4] = {3, 2, 1, 0};
-
-const float* F(const uint8_t* p)
-{
-    return reinterpret_cast<const float*>(p);
-}
-
-float* F(uint8_t* p)
-{
-    return reinterpret_cast<float*>(p);
-}
-
-// A member reduced to what a case varies: source, destination (the picture itself for an in-place
-// member), one step for both, and the size.
-using Member = IppStatus (*)(const uint8_t* s, uint8_t* d, int st, IppiSize z);
-#define MEMBER(call) [](const uint8_t* s [[maybe_unused]], uint8_t* d, int st, IppiSize z) { return call; }
-
-struct Named {
-    const char* name;
-    Member member;
-    bool inPlace;
-    bool checksSteps;   // after the size
-};
-
-const Named kMembers[] = {
-    {"Copy_8u_C1R", MEMBER(ippiCopy_8u_C1R(s, st, d, st, z)), false, false},
-    {"Copy_8u_C4R", MEMBER(ippiCopy_8u_C4R(s, st, d, st, z)), false, false},
-    {"Copy_32f_C1R", MEMBER(ippiCopy_32f_C1R(F(s), st, F(d), st, z)), false, false},
-    {"Copy_32f_C4R", MEMBER(ippiCopy_32f_C4R(F(s), st, F(d), st, z)), false, false},
-    {"Copy_8u_C4C1R", MEMBER(ippiCopy_8u_C4C1R(s, st, d, st, z)), false, false},
-    {"Copy_8u_C1C4R", MEMBER(ippiCopy_8u_C1C4R(s, st, d, st, z)), false, false},
-    {"Copy_8u_C4CR", MEMBER(ippiCopy_8u_C4CR(s, st, d, st, z)), false, false},
-    {"Copy_32f_C4C1R", MEMBER(ippiCopy_32f_C4C1R(F(s), st, F(d), st, z)), false, false},
-    {"Copy_32f_C1C4R", MEMBER(ippiCopy_32f_C1C4R(F(s), st, F(d), st, z)), false, false},
-    {"Copy_32f_C4CR", MEMBER(ippiCopy_32f_C4CR(F(s), st, F(d), st, z)), false, false},
-    {"AlphaPremul", MEMBER(ippiAlphaPremul_8u_AC4R(s, st, d, st, z)), false, false},
-    {"AlphaComp", MEMBER(ippiAlphaComp_8u_AC4R(s, st, s, st, d, st, z, ippAlphaOver)), false, false},
-    {"YCbCr422ToBGR", MEMBER(ippiYCbCr422ToBGR_8u_C2C4R(s, st, d, st, z, 255)), false, false},
-    {"BGRToYCbCr422", MEMBER(ippiBGRToYCbCr422_8u_AC4C2R(s, st, d, st, z)), false, false},
-    {"AddC_32f_AC4R", MEMBER(ippiAddC_32f_AC4R(F(s), st, kThree, F(d), st, z)), false, false},
-    {"MulC_32f_AC4R", MEMBER(ippiMulC_32f_AC4R(F(s), st, kThree, F(d), st, z)), false, false},
-    {"AddC_32f_AC4IR", MEMBER(ippiAddC_32f_AC4IR(kThree, F(d), st, z)), true, false},
-    {"MulC_32f_AC4IR", MEMBER(ippiMulC_32f_AC4IR(kThree, F(d), st, z)), true, false},
-    {"Set_8u_C1R", MEMBER(ippiSet_8u_C1R(7, d, st, z)), true, false},
-    {"Set_32f_C1R", MEMBER(ippiSet_32f_C1R(7, F(d), st, z)), true, false},
-    {"Set_8u_C4R", MEMBER(ippiSet_8u_C4R(kBytes, d, st, z)), true, false},
-    {"Set_32f_C4R", MEMBER(ippiSet_32f_C4R(kFour, F(d), st, z)), true, false},
-    {"Set_8u_C4CR", MEMBER(ippiSet_8u_C4CR(7, d, st, z)), true, false},
-    {"Set_32f_C4CR", MEMBER(ippiSet_32f_C4CR(7, F(d), st, z)), true, false},
-    {"ColorTwist_32f_AC4R", MEMBER(ippiColorTwist_32f_AC4R(F(s), st, F(d), st, z, kTwist)), false, true},
-    {"ColorTwist_32f_AC4IR", MEMBER(ippiColorTwist_32f_AC4IR(F(d), st, z, kTwist)), true, true},
-    {"Sqr_32f_C4IR", MEMBER(ippiSqr_32f_C4IR(F(d), st, z)), true, true},
-    {"Sqrt_32f_C4IR", MEMBER(ippiSqrt_32f_C4IR(F(d), st, z)), true, true},
-    {"Threshold_LTVal_32f_C4IR", MEMBER(ippiThreshold_LTVal_32f_C4IR(F(d), st, z, kFour, kFour)), true, true},
-};
 
 struct BadCall {
     const char* what;
@@ -164,13 +109,13 @@ void ExpectRefused(const std::string& what, const std::function<IppStatus(uint8_
 TEST(PixelArguments, RefusedInOrderWithNothingWritten)
 {
     AtEveryIndex([] {
-        for (const Named& named : kMembers)
+        for (const Member& member : Members())
             for (const BadCall& bad : kBadCalls) {
-                if ((bad.nullSrc && named.inPlace) || (bad.forStepCheckers && !named.checksSteps))
+                if ((bad.nullSrc && member.InPlace()) || (bad.forStepCheckers && !member.ChecksSteps()))
                     continue;
                 const uint8_t* src = bad.nullSrc ? nullptr : kSrc;
-                ExpectRefused(std::string(named.name) + ": " + bad.what, [&](uint8_t* d) {
-                    return named.member(src, bad.nullDst ? nullptr : d, bad.step, bad.size);
+                ExpectRefused(member.name + ": " + bad.what, [&](uint8_t* d) {
+                    return member.run({src, bad.step, src, bad.step, bad.nullDst ? nullptr : d, bad.step, bad.size});
                 }, bad.expected);
             }
         for (const OwnCase& c : OwnCases())

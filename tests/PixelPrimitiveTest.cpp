@@ -127,18 +127,15 @@ TEST(PixelPrimitives, FloatArithmeticEdges)
         float in[4], expected[4];
     };
     const float n = kNaN, d = -7.0f;   // d: a destination sample as it was
+    const auto root = [](float* p) { return ippiSqrt_32f_C4IR(p, 80, {5, 1}); };
+    const auto floor = [](float* p) { return ippiThreshold_LTVal_32f_C4IR(p, 80, {5, 1}, limit, value); };
     const Case cases[] = {
-        {"roots", [](float* p) { return ippiSqrt_32f_C4IR(p, 80, {5, 1}); }, {4, 2, 0.25f, kInf},
-         {2, 1.41421354f, 0.5f, kInf}},
-        {"roots of zeros", [](float* p) { return ippiSqrt_32f_C4IR(p, 80, {5, 1}); }, {0, -0.0f, n, 1},
-         {0, -0.0f, n, 1}},
+        {"roots", root, {4, 2, 0.25f, kInf}, {2, 1.41421354f, 0.5f, kInf}},
+        {"roots of zeros", root, {0, -0.0f, n, 1}, {0, -0.0f, n, 1}},
         {"squares", [](float* p) { return ippiSqr_32f_C4IR(p, 80, {5, 1}); }, {-3, 0.5f, 1e20f, n},
          {9, 0.25f, kInf, n}},
-        {"below takes the value, equal and NaN stay",
-         [](float* p) { return ippiThreshold_LTVal_32f_C4IR(p, 80, {5, 1}, limit, value); }, {0.25f, 0.25f, 0.5f, n},
-         {0.5f, 7, 0.5f, n}},
-        {"above stays", [](float* p) { return ippiThreshold_LTVal_32f_C4IR(p, 80, {5, 1}, limit, value); },
-         {0.75f, 2, 1.5f, -0.5f}, {0.75f, 2, 1.5f, -0.5f}},
+        {"below takes the value, equal and NaN stay", floor, {0.25f, 0.25f, 0.5f, n}, {0.5f, 7, 0.5f, n}},
+        {"above stays", floor, {0.75f, 2, 1.5f, -0.5f}, {0.75f, 2, 1.5f, -0.5f}},
         {"twist", [](float* p) { return ippiColorTwist_32f_AC4R(colour.data(), 80, p, 80, {5, 1}, twist); },
          {d, d, d, d}, {1, 6.5f, 5, d}},
         {"twist in place", [](float* p) { return ippiColorTwist_32f_AC4IR(p, 80, {5, 1}, twist); }, {1, 1, 3, n},

@@ -21,13 +21,18 @@ class PresetHostileFileTest : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(files.Made()); }
 
-    // Loads `text` into a patterned record; true when the load refused it and left the record
-    // as it was.
+    // Loads `text` into a patterned record, so that what the load didn't write shows.
+    bool Load(const std::string& text, CEffectPreset* preset)
+    {
+        *preset = Untouched();
+        return serializer.Load(files.Write("hostile.fxpunka", text).c_str(), preset);
+    }
+
+    // True when the load refused `text` and left the record as it was.
     bool Refused(const std::string& text)
     {
-        CEffectPreset preset = Untouched();
-        const std::string path = files.Write("hostile.fxpunka", text);
-        return !serializer.Load(path.c_str(), &preset) && SameBytes(preset, Untouched());
+        CEffectPreset preset;
+        return !Load(text, &preset) && SameBytes(preset, Untouched());
     }
 
     // Loads `text` on a thread with a 512 KiB stack: the count loaded, or -1 when refused.
@@ -35,25 +40,21 @@ protected:
     {
         struct Job {
             std::string path;
-            int result;
-        } job{files.Write("stack.fxpunka", text), -2};
+            int result = -2;
+        } job{files.Write("stack.fxpunka", text)};
+        auto run = [](void* argument) -> void* {
+            Job* job = static_cast<Job*>(argument);
+            CEffectPreset preset = Untouched();
+            job->result = CPresetSerializer().Load(job->path.c_str(), &preset) ? preset.nCount : -1;
+            return nullptr;
+        };
         pthread_attr_t attributes;
         pthread_attr_init(&attributes);
         pthread_attr_setstacksize(&attributes, 512 * 1024);
         pthread_t thread;
-        const int created = pthread_create(
-            &thread, &attributes,
-            [](void* argument) -> void* {
-                Job* job = static_cast<Job*>(argument);
-                CEffectPreset preset = Untouched();
-                job->result = CPresetSerializer().Load(job->path.c_str(), &preset) ? preset.nCount : -1;
-                return nullptr;
-            },
-            &job);
+        if (pthread_create(&thread, &attributes, run, &job) == 0)
+            pthread_join(thread, nullptr);
         pthread_attr_destroy(&attributes);
-        if (created != 0)
-            return -2;
-        pthread_join(thread, nullptr);
         return job.result;
     }
 
@@ -88,8 +89,8 @@ TEST_F(PresetHostileFileTest, RefusesFilesThatAreNoPresetAndLeavesTheRecord)
     const size_t complete = whole.find("</Preset>") + std::strlen("</Preset>");
     for (size_t length = 0; length < complete; ++length)
         ASSERT_TRUE(Refused(whole.substr(0, length))) << length;
-    CEffectPreset preset = Untouched();
-    EXPECT_TRUE(serializer.Load(files.Write("whole.fxpunka", whole.substr(0, complete)).c_str(), &preset));
+    CEffectPreset preset;
+    EXPECT_TRUE(Load(whole.substr(0, complete), &preset));
     EXPECT_EQ(preset.nCount, 3);
 
     // What is no readable file, through the serializer.
@@ -101,17 +102,14 @@ TEST_F(PresetHostileFileTest, RefusesFilesThatAreNoPresetAndLeavesTheRecord)
 
 TEST_F(PresetHostileFileTest, APresetWithoutParametersSetsOnlyTheNames)
 {
-    CEffectPreset preset = Untouched();
-    EXPECT_FALSE(serializer.Load(
-        files.Write("p.fxpunka", "<Preset Name=\"Only\" LibraryName=\"L\"><other/>text</Preset>").c_str(), &preset));
+    CEffectPreset preset;
+    EXPECT_FALSE(Load("<Preset Name=\"Only\" LibraryName=\"L\"><other/>text</Preset>", &preset));
     EXPECT_STREQ(preset.Name, "Only");
     EXPECT_STREQ(preset.LibraryName, "L");
     EXPECT_STREQ(preset.EffectName, "");
     EXPECT_EQ(preset.nCount, 0);
     // A second root is ignored; the first one counts.
-    EXPECT_TRUE(serializer.Load(
-        files.Write("p.fxpunka", "<Preset Name=\"first\"><parameter/></Preset><Preset Name=\"second\"/>").c_str(),
-        &preset));
+    EXPECT_TRUE(Load("<Preset Name=\"first\"><parameter/></Preset><Preset Name=\"second\"/>", &preset));
     EXPECT_STREQ(preset.Name, "first");
 }
 
@@ -119,10 +117,8 @@ TEST_F(PresetHostileFileTest, TakesFilesUpToTheSizeLimitAndNoMore)
 {
     const std::string head = "<Preset Name=\"big\"><parameter type=\"1\" value=\"9\"/>", tail = "</Preset>";
     const size_t limit = CPresetSerializer::kMaxFileBytes;
-    CEffectPreset preset = Untouched();
-    EXPECT_TRUE(serializer.Load(
-        files.Write("limit.fxpunka", head + std::string(limit - head.size() - tail.size(), ' ') + tail).c_str(),
-        &preset));
+    CEffectPreset preset;
+    EXPECT_TRUE(Load(head + std::string(limit - head.size() - tail.size(), ' ') + tail, &preset));
     EXPECT_EQ(preset.Params[0].value.nValue, 9);
     EXPECT_TRUE(Refused(head + std::string(limit + 1 - head.size() - tail.size(), ' ') + tail));
 }

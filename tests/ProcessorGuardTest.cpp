@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -32,12 +31,12 @@ TEST_SUITE_AT_EACH_VARIANT(ProcessorsInGuardedMemory);
 // processor (or a primitive under it) that reads or writes one byte outside the picture faults.
 class GuardedFrame {
 public:
-    GuardedFrame(PixelFormat format, int width, int height, int depth, GuardedBlock::Guard guard)
-        : m_block(static_cast<size_t>(width) * depth * height, guard)
+    GuardedFrame(PixelFormat format, int width, int height, GuardedBlock::Guard guard)
+        : m_block(static_cast<size_t>(width) * TestFrame::DepthOf(format) * height, guard)
     {
         // Floats of 0.125 to 0.875 in every whole word; byte operations take their bytes as they come.
-        const size_t bytes = static_cast<size_t>(width) * depth * height;
-        for (size_t i = 0; i < bytes / sizeof(float); ++i) {
+        const int depth = TestFrame::DepthOf(format);
+        for (size_t i = 0; i < static_cast<size_t>(width) * depth * height / sizeof(float); ++i) {
             const float sample = static_cast<float>(i % 7) / 8.0f + 0.125f;
             std::memcpy(m_block.Data() + i * sizeof(float), &sample, sizeof sample);
         }
@@ -50,12 +49,11 @@ private:
     CFrame m_frame;
 };
 
-// One operation on a source and a destination of the given formats and depths, of one size; the
-// operation answers whether it did its work.
+// One operation on a source and a destination of the given formats, of one size; the operation
+// answers whether it did its work.
 struct GuardedCase {
     std::string name;
     PixelFormat srcFormat, dstFormat;
-    int srcDepth, dstDepth;
     int dstExtra;   // the destination is this much wider and taller than the source
     std::function<bool(CFrame* pSrc, CFrame* pDst)> operation;
 };
@@ -63,15 +61,12 @@ struct GuardedCase {
 std::vector<GuardedCase> Cases()
 {
     using namespace Processors;
-    const PixelFormat fourChannel[] = {pfVideoSample, pfVideoSampleSwapped, pfVideoSampleFloat,
-                                       pfVideoSampleSwappedFloat};
     std::vector<GuardedCase> cases;
     auto add = [&cases](const std::string& name, PixelFormat from, PixelFormat to, int extra,
-                        std::function<bool(CFrame*, CFrame*)> operation, int srcDepth = 0, int dstDepth = 0) {
-        cases.push_back({name + " " + std::to_string(from) + " to " + std::to_string(to), from, to,
-                         srcDepth ? srcDepth : TestFrame::DepthOf(from), dstDepth ? dstDepth : TestFrame::DepthOf(to), extra, operation});
+                        std::function<bool(CFrame*, CFrame*)> operation) {
+        cases.push_back({name + " " + std::to_string(from) + " to " + std::to_string(to), from, to, extra, operation});
     };
-    for (PixelFormat format : fourChannel) {
+    for (PixelFormat format : kFourSampleFormats) {
         add("blend", format, format, 0, [](CFrame* s, CFrame* d) { return CAlphaBlend().Process(s, s, d, true); });
         add("blend straight", format, format, 0,
             [](CFrame* s, CFrame* d) { return CAlphaBlend().Process(s, d, d, false); });
@@ -88,11 +83,9 @@ std::vector<GuardedCase> Cases()
         add("set channel", format, format, 0, [](CFrame*, CFrame* d) { return CSetChannelColor().Process(d, 3, 7); });
         add("copy plane", format, format, 0, [](CFrame* s, CFrame* d) { return CCopyPlane().Process(s, d, 3, 0); });
         add("fill border", format, format, 2, [](CFrame* s, CFrame* d) { return CFillBorder().Process(s, d, 1, 1); });
-        add("fill border in place", format, format, 0,
-            [](CFrame*, CFrame* d) {
-                // The widest margins that leave a picture.
-                return CFillBorder().Process(d, d, (d->m_nWidth - 1) / 2, (d->m_nHeight - 1) / 2);
-            });
+        add("fill border in place", format, format, 0, [](CFrame*, CFrame* d) {
+            return CFillBorder().Process(d, d, (d->m_nWidth - 1) / 2, (d->m_nHeight - 1) / 2);   // widest margins
+        });
     }
     for (PixelFormat format : {pfMono8, pfMonoFloat}) {
         add("invert", format, format, 0, [](CFrame*, CFrame* d) { return CInvertChannel().Process(d, 0); });
@@ -106,12 +99,10 @@ std::vector<GuardedCase> Cases()
         add("copy plane in", pair[1], pair[0], 0,
             [](CFrame* s, CFrame* d) { return CCopyPlane().Process(s, d, 0, 3); });
     }
-    const PixelFormat conversions[][2] = {{pfVideoSample, pfVideoSampleFloat},
-                                          {pfVideoSampleSwapped, pfVideoSampleSwappedFloat},
-                                          {pfVideoSample, pfVideoSampleSwappedFloat},
-                                          {pfVideoSampleFloat, pfVideoSample},
-                                          {pfVideoSampleSwappedFloat, pfVideoSampleSwapped},
-                                          {pfVideoSampleSwappedFloat, pfVideoSample}};
+    const PixelFormat conversions[][2] = {
+        {pfVideoSample, pfVideoSampleFloat},   {pfVideoSampleSwapped, pfVideoSampleSwappedFloat},
+        {pfVideoSample, pfVideoSampleSwappedFloat}, {pfVideoSampleFloat, pfVideoSample},
+        {pfVideoSampleSwappedFloat, pfVideoSampleSwapped}, {pfVideoSampleSwappedFloat, pfVideoSample}};
     for (const auto& pair : conversions)
         add("convert", pair[0], pair[1], 0,
             [](CFrame* s, CFrame* d) { return CColorSpaceConverter().Process(s, d); });
@@ -123,7 +114,7 @@ std::vector<GuardedCase> Cases()
     });
     add("constants", argb, argb, 0, [](CFrame* s, CFrame* d) {
         float constants[3] = {0.5f, 2.0f, -1.0f};
-        Processors::CColorSpaceConverter converter;
+        CColorSpaceConverter converter;
         return converter.ProcessMulC32f(*s, *d, constants) && converter.ProcessMulC32f(*d, *d, constants) &&
                converter.ProcessAddC32f(*s, *d, constants) && converter.ProcessAddC32f(*d, *d, constants);
     });
@@ -141,8 +132,8 @@ TEST_P(ProcessorsInGuardedMemory, NoProcessorReachesPastItsFrames)
     for (const GuardedCase& c : Cases())
         for (const IppiSize& size : sizes)
             for (GuardedBlock::Guard guard : {GuardedBlock::Guard::AfterEnd, GuardedBlock::Guard::BeforeStart}) {
-                GuardedFrame src(c.srcFormat, size.width, size.height, c.srcDepth, guard);
-                GuardedFrame dst(c.dstFormat, size.width + c.dstExtra, size.height + c.dstExtra, c.dstDepth, guard);
+                GuardedFrame src(c.srcFormat, size.width, size.height, guard);
+                GuardedFrame dst(c.dstFormat, size.width + c.dstExtra, size.height + c.dstExtra, guard);
                 EXPECT_TRUE(c.operation(src.Get(), dst.Get()))
                     << c.name << " at " << size.width << "x" << size.height;
             }
