@@ -70,6 +70,8 @@ TEST_F(PresetSerializerTest, WritesTheFileLineByLineAndEachTypeInItsForm)
         {Float(-1e-7f), "<parameter type=\"2\" value=\"-0.000000\" />"},
         {Integer(INT_MIN, eptInteger2), "<parameter type=\"3\" value=\"-2147483648\" />"},
         {Bool(7), "<parameter type=\"4\" value=\"1\" />"},
+        // Only the first byte is the flag.
+        {Typed(eptBool, [](auto& value) { value.bytes[1] = 1; }), "<parameter type=\"4\" value=\"0\" />"},
         {Typed(0xFFFFFFFFu), "<parameter type=\"-1\" />"},
     };
     for (const auto& c : cases) {
