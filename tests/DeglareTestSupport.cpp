@@ -19,6 +19,7 @@ extern "C" {
 #include <libavutil/imgutils.h>
 }
 
+#include "../host/deglare/ReportWriter.h"
 #include "../host/deglare/VideoDecoder.h"
 
 namespace DeglareTest {
@@ -179,6 +180,18 @@ std::vector<std::string> ToldFor(int count, const std::map<int, int>& replaced, 
         told.push_back(replaced.count(index) != 0 ? Told("replaced", replaced.at(index))
                                                   : spared.count(index) != 0 ? "spared" : "kept");
     return told;
+}
+
+PipelineRun RunPipeline(IVideoEffect* effect, const Deglare::RunSettings& settings)
+{
+    std::ostringstream messages;
+    Deglare::Console console(messages, false, true);
+    PipelineRun run{Deglare::Pipeline(effect, console).Run(settings), {}, {}};
+    if (!settings.analyze)
+        run.shown = ShownFrames(ReadBack(settings.output), ReadBack(settings.input));
+    for (const Deglare::FrameRecord& record : run.result.frames)
+        run.told.push_back(Told(Deglare::DecisionName(record.decision), record.substitute));
+    return run;
 }
 
 namespace {
