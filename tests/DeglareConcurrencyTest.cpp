@@ -154,9 +154,9 @@ TEST(DeglareThreads, CancelReleasesEveryWaiter)
         waiter.join();
 }
 
-// A scripted effect that looks far outside the window, and the real one, loaded from the
-// bundle, whose scans reach past it: with the least window, so that far frames are asked for,
-// the same pictures and decisions on one thread and on four.
+// A scripted effect that looks far outside the window and fetches frames far off, and the real
+// one, loaded from the bundle, whose scans reach past it: with the least window, so that far
+// frames are decoded apart, the same pictures and decisions on one thread and on four.
 TEST(DeglareThreads, SameFileAndDecisionsOnAnyNumberOfThreads)
 {
     const int frames = 40;
@@ -166,7 +166,7 @@ TEST(DeglareThreads, SameFileAndDecisionsOnAnyNumberOfThreads)
     for (const bool real : {false, true}) {
         SCOPED_TRACE(real ? "real effect" : "scripted effect");
         const std::map<int, int> replaced = real ? std::map<int, int>{{7, 6}, {20, 19}, {30, 29}}
-                                                 : std::map<int, int>{{7, 6}, {8, 9}, {30, 31}};
+                                                 : std::map<int, int>{{7, 6}, {8, 9}, {27, 1}, {2, 38}};
         const std::set<int> spared = real ? std::set<int>{} : std::set<int>{20};
         TempFolder folder;
         ClipRecipe recipe;
@@ -189,6 +189,9 @@ TEST(DeglareThreads, SameFileAndDecisionsOnAnyNumberOfThreads)
             const PipelineRun run = RunPipeline(real ? module->Effect() : &scripted, settings);
             EXPECT_EQ(run.shown, ShownWith(frames, replaced));
             EXPECT_EQ(run.told, ToldFor(frames, replaced, spared));
+            // The scripted effect's far frames are decoded apart, and every fetch is served.
+            EXPECT_TRUE(real || run.result.farDecodedFrames > 0) << run.result.farDecodedFrames;
+            EXPECT_EQ(scripted.MissedFetches(), 0);
         }
     }
 }
