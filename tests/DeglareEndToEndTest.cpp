@@ -214,12 +214,11 @@ TEST(DeglareEndToEnd, PresetsComeFromTheEffect)
         arguments.insert(arguments.end(), test.options.begin(), test.options.end());
         ASSERT_EQ(RunDeglare(arguments).status, 0);
         const nlohmann::json settings = nlohmann::json::parse(ReadFile(report))["settings"];
-        EXPECT_EQ(settings["sensitivity"], test.sensitivity) << settings;
-        EXPECT_EQ(settings["maxFrames"], test.maxFrames) << settings;
-        EXPECT_EQ(settings["testMode"], test.testMode) << settings;
+        EXPECT_EQ(std::make_tuple(settings["sensitivity"].get<int>(), settings["maxFrames"].get<int>(),
+                                  settings["testMode"].get<bool>()),
+                  std::make_tuple(test.sensitivity, test.maxFrames, test.testMode)) << settings;
     }
 }
-
 
 // Ctrl-C in the middle of a run leaves neither OUTPUT nor the temporary file.
 TEST(DeglareEndToEnd, InterruptionLeavesNothingBehind)
