@@ -63,7 +63,7 @@ std::vector<ReportRow> ReadReport(const std::string& path)
     if (path.substr(path.size() - 5) == ".json") {
         const nlohmann::json report = nlohmann::json::parse(ReadFile(path));
         EXPECT_EQ(report["summary"]["framesRead"], kFrames);
-        EXPECT_TRUE(report["runs"].is_array());
+        EXPECT_EQ(report["runs"].size(), 4u) << "the one-frame, partial and burst flashes, and the lamp";
         for (const nlohmann::json& frame : report["frames"]) {
             EXPECT_EQ(frame["index"], rows.size());
             rows.push_back({frame["time"], frame["sum"], frame["bands"],
@@ -91,6 +91,10 @@ std::vector<ReportRow> ReadReport(const std::string& path)
     }
     std::getline(csv, line);
     EXPECT_EQ(line, "run,first,last,replaced,spared");
+    int runs = 0;
+    while (std::getline(csv, line) && !line.empty())
+        ++runs;
+    EXPECT_EQ(runs, 4);
     return rows;
 }
 
