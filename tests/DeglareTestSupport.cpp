@@ -137,8 +137,7 @@ ReadClip ReadBack(const std::string& path)
             decoder.Send(packet.get());
             receive();
         } else {
-            clip.otherPackets.push_back(
-                {packet->stream_index, packet->pts, std::vector<uint8_t>(packet->data, packet->data + packet->size)});
+            clip.otherPackets.push_back({packet->pts, std::vector<uint8_t>(packet->data, packet->data + packet->size)});
         }
         av_packet_unref(packet.get());
     }

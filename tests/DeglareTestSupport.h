@@ -45,7 +45,6 @@ struct ReadClip {
         std::vector<uint8_t> planes;
     };
     struct Packet {
-        int stream;
         int64_t pts;
         std::vector<uint8_t> data;
     };
