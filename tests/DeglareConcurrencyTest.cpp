@@ -5,18 +5,14 @@
 
 #include <atomic>
 #include <chrono>
-#include <filesystem>
 #include <memory>
 #include <numeric>
 #include <random>
-#include <sstream>
 #include <thread>
 
 #include "../host/deglare/EffectModule.h"
 #include "../host/deglare/FrameWindow.h"
 #include "../host/deglare/OutcomeQueue.h"
-#include "../host/deglare/Pipeline.h"
-#include "../host/deglare/ReportWriter.h"
 #include "DeglareTestSupport.h"
 #include "ScriptedEffect.h"
 
@@ -158,38 +154,9 @@ TEST(DeglareThreads, CancelReleasesEveryWaiter)
         waiter.join();
 }
 
-// A clip at `levels` run through `effect` on `threads` render threads with the least window,
-// so that far frames are asked for: what each output frame shows and what was decided for it.
-struct ThreadedRun {
-    std::vector<int> shown;
-    std::vector<std::string> told;
-};
-ThreadedRun RunOnThreads(TempFolder& folder, const std::vector<float>& levels, IVideoEffect* effect, int threads)
-{
-    ClipRecipe recipe;
-    recipe.frameCount = static_cast<int>(levels.size());
-    const std::string input = folder.Path("input.mkv");
-    if (!std::filesystem::exists(input))
-        WriteClip(input, recipe, Scene(levels));
-    RunSettings settings;
-    settings.input = input;
-    settings.output = folder.Path("output-" + std::to_string(threads) + ".mkv");
-    settings.encoder.codec = "ffv1";
-    settings.encoder.threads = 1;
-    settings.threads = threads;
-    settings.memoryBudget = 1;
-    std::ostringstream messages;
-    Console console(messages, false, true);
-    const RunResult result = Pipeline(effect, console).Run(settings);
-    ThreadedRun run;
-    run.shown = ShownFrames(ReadBack(settings.output), ReadBack(input));
-    for (const FrameRecord& record : result.frames)
-        run.told.push_back(Told(DecisionName(record.decision), record.substitute));
-    return run;
-}
-
-// A scripted effect that looks far outside the window, and the real one, loaded from the
-// bundle, whose scans reach past it: the same pictures and decisions on one thread and on four.
+// A scripted effect that looks far outside the window and fetches frames far off, and the real
+// one, loaded from the bundle, whose scans reach past it: with the least window, so that far
+// frames are decoded apart, the same pictures and decisions on one thread and on four.
 TEST(DeglareThreads, SameFileAndDecisionsOnAnyNumberOfThreads)
 {
     const int frames = 40;
@@ -199,9 +166,17 @@ TEST(DeglareThreads, SameFileAndDecisionsOnAnyNumberOfThreads)
     for (const bool real : {false, true}) {
         SCOPED_TRACE(real ? "real effect" : "scripted effect");
         const std::map<int, int> replaced = real ? std::map<int, int>{{7, 6}, {20, 19}, {30, 29}}
-                                                 : std::map<int, int>{{7, 6}, {8, 9}, {30, 31}};
+                                                 : std::map<int, int>{{7, 6}, {8, 9}, {27, 1}, {2, 38}};
         const std::set<int> spared = real ? std::set<int>{} : std::set<int>{20};
         TempFolder folder;
+        ClipRecipe recipe;
+        recipe.frameCount = frames;
+        RunSettings settings;
+        settings.input = folder.Path("input.mkv");
+        WriteClip(settings.input, recipe, Scene(real ? flashed : SteadyLevels(frames)));
+        settings.encoder.codec = "ffv1";
+        settings.encoder.threads = 1;
+        settings.memoryBudget = 1;
         for (int threads : {1, 4}) {
             SCOPED_TRACE(threads);
             ScriptedEffect scripted;
@@ -209,10 +184,14 @@ TEST(DeglareThreads, SameFileAndDecisionsOnAnyNumberOfThreads)
             scripted.spared = spared;
             scripted.looksAt = {{5, {6, 7, 8, 9, 10, 11}}, {25, {35, 36, 2}}};
             std::unique_ptr<EffectModule> module = real ? std::make_unique<EffectModule>(DEGLARER_BUNDLE_PATH) : nullptr;
-            const ThreadedRun run =
-                RunOnThreads(folder, real ? flashed : SteadyLevels(frames), real ? module->Effect() : &scripted, threads);
+            settings.threads = threads;
+            settings.output = folder.Path("output-" + std::to_string(threads) + ".mkv");
+            const PipelineRun run = RunPipeline(real ? module->Effect() : &scripted, settings);
             EXPECT_EQ(run.shown, ShownWith(frames, replaced));
             EXPECT_EQ(run.told, ToldFor(frames, replaced, spared));
+            // The scripted effect's far frames are decoded apart, and every fetch is served.
+            EXPECT_TRUE(real || run.result.farDecodedFrames > 0) << run.result.farDecodedFrames;
+            EXPECT_EQ(scripted.MissedFetches(), 0);
         }
     }
 }

@@ -19,6 +19,7 @@ extern "C" {
 #include <libavutil/imgutils.h>
 }
 
+#include "../host/deglare/ReportWriter.h"
 #include "../host/deglare/VideoDecoder.h"
 
 namespace DeglareTest {
@@ -136,8 +137,7 @@ ReadClip ReadBack(const std::string& path)
             decoder.Send(packet.get());
             receive();
         } else {
-            clip.otherPackets.push_back(
-                {packet->stream_index, packet->pts, std::vector<uint8_t>(packet->data, packet->data + packet->size)});
+            clip.otherPackets.push_back({packet->pts, std::vector<uint8_t>(packet->data, packet->data + packet->size)});
         }
         av_packet_unref(packet.get());
     }
@@ -179,6 +179,18 @@ std::vector<std::string> ToldFor(int count, const std::map<int, int>& replaced, 
         told.push_back(replaced.count(index) != 0 ? Told("replaced", replaced.at(index))
                                                   : spared.count(index) != 0 ? "spared" : "kept");
     return told;
+}
+
+PipelineRun RunPipeline(IVideoEffect* effect, const Deglare::RunSettings& settings)
+{
+    std::ostringstream messages;
+    Deglare::Console console(messages, false, true);
+    PipelineRun run{Deglare::Pipeline(effect, console).Run(settings), {}, {}};
+    if (!settings.analyze)
+        run.shown = ShownFrames(ReadBack(settings.output), ReadBack(settings.input));
+    for (const Deglare::FrameRecord& record : run.result.frames)
+        run.told.push_back(Told(Deglare::DecisionName(record.decision), record.substitute));
+    return run;
 }
 
 namespace {

@@ -9,6 +9,7 @@
 
 #include "../host/deglare/AvSupport.h"
 #include "../host/deglare/ClipWriter.h"
+#include "../host/deglare/Pipeline.h"
 
 namespace DeglareTest {
 
@@ -31,9 +32,9 @@ private:
 // shutter's partial flash).
 Deglare::PicturePainter Scene(std::vector<float> levels, std::vector<float> lowerLevels = {});
 
-// Levels of 0.40 to 0.42, a step of a frame far below any threshold: nothing to take for a flash.
+// Levels of 0.40 to 0.42, a step of a frame far below any threshold: nothing to take for a flash;
+// and a clip of `recipe` with `frames` frames of them written to `path`, which it gives back.
 std::vector<float> SteadyLevels(int count);
-// Writes a clip of `recipe` with `frames` frames of steady levels to `path`, and gives `path`.
 std::string WriteSteadyClip(const std::string& path, int frames, Deglare::ClipRecipe recipe = {});
 
 // A clip read back: each video frame's planes, packed, with its timestamp, and the packets of
@@ -44,7 +45,6 @@ struct ReadClip {
         std::vector<uint8_t> planes;
     };
     struct Packet {
-        int stream;
         int64_t pts;
         std::vector<uint8_t> data;
     };
@@ -76,6 +76,15 @@ std::string Told(const std::string& decision, int substitute);
 // The decisions of `count` frames whose frames in `replaced` take the frame mapped to and those
 // in `spared` are flagged but kept.
 std::vector<std::string> ToldFor(int count, const std::map<int, int>& replaced, const std::set<int>& spared);
+
+// The host's pipeline run quietly in process: its result, what each output frame shows (when it
+// writes one) and the decisions as Told gives them.
+struct PipelineRun {
+    Deglare::RunResult result;
+    std::vector<int> shown;
+    std::vector<std::string> told;
+};
+PipelineRun RunPipeline(IVideoEffect* effect, const Deglare::RunSettings& settings);
 
 // The deglare program run with `arguments`, its exit status and what it printed.
 struct ProgramRun {

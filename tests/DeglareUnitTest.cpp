@@ -60,7 +60,9 @@ TEST(DeglareSliders, EveryShownValueDecodesToItself)
         EXPECT_EQ(DecodedMaxFrames(FromBits(bits)), limit) << std::hex << bits;
 }
 
-ParseResult Parse(const std::vector<const char*>& arguments, Options* options = nullptr, std::string* text = nullptr)
+// Options read from `arguments`, quietly, into `options`: the one-line complaints are the
+// end-to-end tests' part.
+ParseResult Parse(const std::vector<const char*>& arguments, Options* options = nullptr)
 {
     std::vector<const char*> argv = {"deglare"};
     argv.insert(argv.end(), arguments.begin(), arguments.end());
@@ -69,8 +71,6 @@ ParseResult Parse(const std::vector<const char*>& arguments, Options* options = 
     const ParseResult result = ParseOptions(static_cast<int>(argv.size()), argv.data(), parsed, out, err);
     if (options != nullptr)
         *options = parsed;
-    if (text != nullptr)
-        *text = out.str() + err.str();
     return result;
 }
 
@@ -109,10 +109,6 @@ TEST(DeglareOptions, RangesAndCombinationsAreChecked)
             line += std::string(argument) + " ";
         EXPECT_EQ(Parse(arguments), result) << line;
     }
-    std::string complaint;
-    Parse({"in.mp4", "out.mp4", "--max-frames", "12"}, nullptr, &complaint);
-    EXPECT_EQ(std::count(complaint.begin(), complaint.end(), '\n'), 1) << complaint;
-    EXPECT_EQ(complaint.rfind("deglare: ", 0), 0u) << complaint;
 }
 
 TEST(DeglareOptions, ValuesAreRead)
@@ -122,13 +118,10 @@ TEST(DeglareOptions, ValuesAreRead)
                      "ffv1", "--test-mode", "--sequential", "--threads", "3", "--memory", "512", "--quiet"},
                     &options),
               ParseResult::Run);
-    EXPECT_EQ(std::make_tuple(options.input, options.output, *options.sensitivity, *options.maxFrames),
-              std::make_tuple(std::string("a.mov"), std::string("b.mkv"), 35, 4));
-    EXPECT_EQ(options.encoder.bitrate, 2500000u);
-    EXPECT_EQ(options.encoder.codec, "ffv1");
+    EXPECT_EQ(std::make_tuple(options.input, options.output, *options.sensitivity, *options.maxFrames,
+                              options.encoder.bitrate, options.encoder.codec, options.threads, options.memoryMegabytes),
+              std::make_tuple(std::string("a.mov"), std::string("b.mkv"), 35, 4, 2500000u, std::string("ffv1"), 3, 512u));
     EXPECT_TRUE(options.testMode && options.sequential && options.quiet);
-    EXPECT_EQ(options.threads, 3);
-    EXPECT_EQ(options.memoryMegabytes, 512u);
 
     ASSERT_EQ(Parse({"a.mov", "b.mkv"}, &options), ParseResult::Run);
     EXPECT_FALSE(options.sensitivity.has_value() || options.maxFrames.has_value());
@@ -168,11 +161,9 @@ TEST(DeglareBands, MeasureAsTheEffectDoes)
             for (int channel = 0; channel < 4; ++channel)
                 p[channel] = static_cast<uint8_t>(random());
         });
-        const BandFigures bands = MeasureBands(noise);
         const std::vector<float> expected = effectBands(noise);
         for (int band = 0; band < 4; ++band)
-            EXPECT_FLOAT_EQ(bands.band[band], expected[band]) << width << "x" << height;
-        EXPECT_FLOAT_EQ(bands.Sum(), bands.band[0] + bands.band[1] + bands.band[2] + bands.band[3]);
+            EXPECT_FLOAT_EQ(MeasureBands(noise).band[band], expected[band]) << width << "x" << height;
     }
     // Fewer than four rows: no bands, no fault.
     for (float band : MeasureBands(Painted(8, 3, [](int, int, uint8_t* p) { std::memset(p, 200, 4); })).band)
@@ -280,10 +271,14 @@ TEST(DeglareMemory, PlanStaysInTheBudgetAndFourKFitsTwoGigabytes)
 
 TEST(DeglareFrameIndex, FindsFramesByTimestampInPresentationOrder)
 {
-    FrameIndex index;
-    for (int64_t pts : {0, 3000, 1000, 2000, 6000, 4000})   // decode order of a stream with B-frames
-        index.Add(pts);
-    index.Finish();
+    const auto indexed = [](std::initializer_list<int64_t> times) {
+        FrameIndex index;
+        for (int64_t pts : times)
+            index.Add(pts);
+        index.Finish();
+        return index;
+    };
+    const FrameIndex index = indexed({0, 3000, 1000, 2000, 6000, 4000});   // decode order with B-frames
     EXPECT_EQ(index.Count(), 6);
     EXPECT_TRUE(index.Timed());
     EXPECT_EQ(index.IndexOf(4000), 4);
@@ -302,15 +297,10 @@ TEST(DeglareFrameIndex, FindsFramesByTimestampInPresentationOrder)
     EXPECT_EQ(numbering.Number(3000), 3);
     EXPECT_EQ(numbering.Number(AV_NOPTS_VALUE), 4);
 
-    FrameIndex untimed;
-    for (int64_t pts : {0, 1000, 1000})
-        untimed.Add(pts);
-    untimed.Finish();
+    const FrameIndex untimed = indexed({0, 1000, 1000});
     EXPECT_EQ(untimed.Count(), 3);
     EXPECT_FALSE(untimed.Timed()) << "two frames with one timestamp can't be told apart";
-    FrameIndex noTimes;
-    noTimes.Add(AV_NOPTS_VALUE);
-    noTimes.Finish();
+    const FrameIndex noTimes = indexed({AV_NOPTS_VALUE});
     EXPECT_FALSE(noTimes.Timed());
     EXPECT_EQ(noTimes.IndexOf(0), FrameIndex::kNotFound);
 }
