@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "../Common/Copy.h"
@@ -87,7 +88,6 @@ TEST(FrameStrips, CopyingStripByStripGivesTheBytesOfOneCopy)
         wholeFrame.Init(whole.data(), c.destination.width, c.destination.height, c.destination.byteSpan,
                         stripped.frame.m_nDepth, c.format, false);
         ASSERT_LT(RowsPerStrip(source.frame), c.source.height) << "the case must take several strips";
-
         Processors::CCopy().Process(&source.frame, &wholeFrame);
         int rowsVisited = 0;
         ForEachStrip(source.frame, [&](int firstRow, int rowCount) {
@@ -175,17 +175,11 @@ TEST(IntensityMeasure, StripsGiveTheWholePictureFiguresBitForBit)
 
 TEST(SequentialRender, StripsFillTheSlotsWithTheWholeFramesAndTheirRecords)
 {
-    struct Case {
-        PixelFormat format;
-        int width, height, byteSpan;
-    };
     // Several strips each, a short last one, and rows wider than their pixels.
-    const Case cases[] = {
-        {pfVideoSample, 700, 203, 0},
-        {pfVideoSampleSwapped, 700, 101, 700 * 4 + 52},
-        {pfVideoSampleFloat, 300, 97, 0},
-        {pfVideoSampleSwappedFloat, 300, 61, 300 * 16 + 32},
-    };
+    const std::pair<PixelFormat, Shape> cases[] = {{pfVideoSample, {700, 203, 0}},
+                                                   {pfVideoSampleSwapped, {700, 101, 700 * 4 + 52}},
+                                                   {pfVideoSampleFloat, {300, 97, 0}},
+                                                   {pfVideoSampleSwappedFloat, {300, 61, 300 * 16 + 32}}};
     // Frame 4 is a one-frame flash: it is remembered as the last frame but not as a good one. The
     // step back to frame 2 resets the memory with a frame whose figures are already known, so the
     // picture goes into the slots without a measure.
@@ -195,9 +189,9 @@ TEST(SequentialRender, StripsFillTheSlotsWithTheWholeFramesAndTheirRecords)
     };
     const Step steps[] = {{0, 0}, {1, 1}, {2, 2}, {3, 3}, {4, 3}, {5, 5}, {2, 2}};
     std::mt19937 random(12);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(::testing::Message() << "format " << c.format << " " << c.width << "x" << c.height);
-        Clip clip(c.width, c.height, c.format, 6, 25.0, c.byteSpan);
+    for (const auto& [format, c] : cases) {
+        SCOPED_TRACE(::testing::Message() << "format " << format << " " << c.width << "x" << c.height);
+        Clip clip(c.width, c.height, format, 6, 25.0, c.byteSpan);
         for (int index = 0; index < clip.FrameCount(); ++index) {
             clip.Fill(index, levels[index], levels[index], levels[index]);
             // A dim speck in a random spot of every row tells the frames and their rows apart.
@@ -211,7 +205,7 @@ TEST(SequentialRender, StripsFillTheSlotsWithTheWholeFramesAndTheirRecords)
         const unsigned int id = FreshEffectId();
         effect.SetId(id);
         for (const Step& step : steps) {
-            Picture output(c.width, c.height, c.format);
+            Picture output(c.width, c.height, format);
             FrameParams destination = output.Params();
             ASSERT_TRUE(host.RenderFrame(&effect, step.index, &destination));
             EXPECT_TRUE(output.SameAs(clip, step.shown)) << "output of frame " << step.index;
