@@ -2,14 +2,12 @@
 // ones are replaced by the remembered last good frame.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <utility>
 #include <vector>
 
 #include "../DeglarerPro/Deglarer.h"
 #include "../host/Clip.h"
 #include "../host/InProcessHost.h"
-#include "../platform/MonotonicClock.h"
 #include "FreshEffectId.h"
 
 namespace {
@@ -200,22 +198,6 @@ TEST(SequentialRender, FieldsAndHostInstancesKeepSeparateMemories)
     Player otherInstance(clip, 2, &player.Effect());
     EXPECT_EQ(otherInstance.Render(5), 5);
     EXPECT_EQ(player.Render(6), 6);
-}
-
-std::atomic<uint64_t> g_now{1000};
-uint64_t ManualClock() { return g_now.load(); }
-
-TEST(SequentialRender, MemoryExpiresAfterTenSecondsOfSilence)
-{
-    Platform::SetMillisecondSourceForTesting(&ManualClock);
-    for (uint64_t pause : {10000u, 10001u}) {
-        Clip clip = GreyClip(10, {{5, 5, 0.8f}});
-        Player player(clip);
-        player.Play(0, 4);
-        g_now += pause;
-        EXPECT_EQ(player.Render(5), pause <= 10000 ? 4 : 5) << "pause " << pause;
-    }
-    Platform::SetMillisecondSourceForTesting(nullptr);
 }
 
 TEST(SequentialRender, FrameSizeChangeInTheMiddleFallsBackToTheSource)
