@@ -94,7 +94,8 @@ std::vector<Example> Examples()
         // two alike; of two alike frames the earlier goes.
         {"three-frame flash, brightest middle", Join({scene, {0.80f, 0.90f, 0.70f}, scene}), kMaxFramesOne, {{7, 8}},
          {6, 8}, {}},
-        {"three-frame flash, even sides", Join({scene, {0.80f, 0.90f, 0.80f}, scene}), kMaxFramesOne, {{7, 6}}, {6, 8}, {}},
+        {"three-frame flash, even sides", Join({scene, {0.80f, 0.90f, 0.80f}, scene}), kMaxFramesOne, {{7, 6}},
+         {6, 8}, {}},
         {"two-frame flash, even", Join({scene, {0.80f, 0.80f}, scene}), kMaxFramesOne, {{6, 5}}, {7}, {}},
         {"three-frame flash, two allowed", Join({scene, {0.80f, 0.90f, 0.70f}, scene}), kMaxFramesTwo,
          {{6, 5}, {7, 8}}, {8}, {}},
