@@ -145,7 +145,7 @@ TEST_F(FrameServiceTest, ResizeAndResizeCropRefuseWhatTheyCannotReadWithoutTouch
         {"bytes said to be 16 a pixel", pfVideoSample, 16, inside},
         {"empty rectangle", pfVideoSample, 4, {4, 1, 3, 4}},
         {"above the source", pfVideoSampleFloat, 16, {0, -2, 4, 4}},
-        {"past the source's right edge", pfVideoSample, 4, {6, 0, 12, 4}},
+        {"one past the source's right edge", pfVideoSample, 4, {2, 0, 8, 4}},
         {"a size beyond 32 bits", pfVideoSample, 4, {INT32_MIN, 0, INT32_MAX, 4}},
     };
     for (const Case& c : cases) {
