@@ -46,8 +46,9 @@ TEST(Effect, DescribesItsThreeParametersWithTheirToolTips)
         const Expected& e = expected[index];
         // Range word 0; layout words 66 apart, then 0, 198 and 30; the flag set.
         EXPECT_EQ(std::make_tuple(std::string(setup.szName), setup.dwType, setup.fMin, setup.fMax,
-                                  FloatBits(setup.defaultValue.fValue), std::string(effect.EnumToolTip(index))),
-                  std::make_tuple(std::string(e.name), e.type, e.min, e.max, e.defaultBits, std::string(e.toolTip)));
+                                  FloatBits(setup.defaultValue.fValue)),
+                  std::make_tuple(std::string(e.name), e.type, e.min, e.max, e.defaultBits));
+        EXPECT_STREQ(effect.EnumToolTip(index), e.toolTip);
         EXPECT_EQ(std::vector<uint32_t>({setup.dwRangeWord, setup.dwLayout1, setup.dwLayout2, setup.dwLayout3,
                                          setup.dwLayout4, setup.bFlag}),
                   std::vector<uint32_t>({0, 66 * index, 0, 198, 30, 1}));

@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "../Common/Frame.h"
@@ -179,11 +180,9 @@ TEST(TimeAccess, ScansAskForTheSourceFormatAndStopAfterFiveQuietFrames)
     std::vector<int> fetched = host.FetchedIndices();
     std::sort(fetched.begin(), fetched.end());
     EXPECT_EQ(fetched, (std::vector<int>{10, 11, 12, 13, 14, 16, 17, 18, 19, 20}));
-    for (const InProcessHost::FrameRequest& request : host.FrameRequests()) {
-        EXPECT_EQ(request.frame.pfFormat, pfVideoSampleSwapped);
-        EXPECT_EQ(request.frame.pBuffer, nullptr);
-        EXPECT_EQ(request.info.nField, 1);
-    }
+    for (const InProcessHost::FrameRequest& request : host.FrameRequests())
+        EXPECT_EQ(std::make_tuple(request.frame.pfFormat, request.frame.pBuffer, request.info.nField),
+                  std::make_tuple(pfVideoSampleSwapped, static_cast<uint8_t*>(nullptr), int16_t{1}));
     // Frames without clean frames on both sides are decided without looking around.
     host.ClearRecord();
     CDeglarer fresh;
