@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "../DeglarerPro/Deglarer.h"
@@ -42,18 +43,15 @@ TEST(Effect, DescribesItsThreeParametersWithTheirToolTips)
         EffectParamSetup setup;
         std::memset(&setup, 0, sizeof setup);
         ASSERT_TRUE(effect.EnumParam(index, &setup));
-        EXPECT_STREQ(setup.szName, expected[index].name);
-        EXPECT_EQ(setup.dwType, expected[index].type);
-        EXPECT_EQ(setup.fMin, expected[index].min);
-        EXPECT_EQ(setup.fMax, expected[index].max);
-        uint32_t defaultBits;
-        std::memcpy(&defaultBits, setup.defaultValue.bytes, 4);
-        EXPECT_EQ(defaultBits, expected[index].defaultBits);
+        const Expected& e = expected[index];
         // Range word 0; layout words 66 apart, then 0, 198 and 30; the flag set.
+        EXPECT_EQ(std::make_tuple(std::string(setup.szName), setup.dwType, setup.fMin, setup.fMax,
+                                  FloatBits(setup.defaultValue.fValue)),
+                  std::make_tuple(std::string(e.name), e.type, e.min, e.max, e.defaultBits));
+        EXPECT_STREQ(effect.EnumToolTip(index), e.toolTip);
         EXPECT_EQ(std::vector<uint32_t>({setup.dwRangeWord, setup.dwLayout1, setup.dwLayout2, setup.dwLayout3,
                                          setup.dwLayout4, setup.bFlag}),
                   std::vector<uint32_t>({0, 66 * index, 0, 198, 30, 1}));
-        EXPECT_STREQ(effect.EnumToolTip(index), expected[index].toolTip);
     }
     EffectParamSetup untouched;
     std::memset(&untouched, 0x5A, sizeof untouched);
@@ -87,10 +85,10 @@ TEST(Effect, StockPresetsCarryTheirExactBits)
             ASSERT_TRUE(effect.EnumPresetData(preset, param, &values[param]));
             std::memcpy(&words[param], values[param].value.bytes, 8);
         }
-        EXPECT_EQ(words[0], expected[preset].sensitivity) << preset;
-        EXPECT_EQ(words[1], expected[preset].maxFrames) << preset;
-        EXPECT_EQ(words[2], expected[preset].testMode ? 1u : 0u) << preset;
-        EXPECT_EQ(values[0].dwType, 0xFFFFFFFFu);   // only the value bytes are filled
+        EXPECT_EQ(std::make_tuple(words[0], words[1], words[2], values[0].dwType),   // only the value bytes are filled
+                  std::make_tuple(uint64_t{expected[preset].sensitivity}, uint64_t{expected[preset].maxFrames},
+                                  uint64_t{expected[preset].testMode}, 0xFFFFFFFFu))
+            << preset;
     }
     EXPECT_EQ(effect.EnumPreset(8), nullptr);
     EffectParam value;

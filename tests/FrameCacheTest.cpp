@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "../Common/EffectsLibCacheMT.h"
@@ -42,16 +44,20 @@ struct LockedWrapper {
     CCritSectLock lock{wrapper.m_Lock};
 };
 
+// Slot `slot`'s record index and whether it holds a picture.
+std::pair<int, bool> Slot(CEffectsLibCache<Tag>& cache, unsigned int slot)
+{
+    return {cache.UserData(slot).index, cache.GetFrame(slot).m_pBuffer != nullptr};
+}
+
 TEST(FrameCache, NewCacheIsEmptyAndOutOfRangeSlotsAnswerWithSharedNeutrals)
 {
     CEffectsLibCache<Tag> cache(2);
-    EXPECT_EQ(cache.GetFrame(0).m_pBuffer, nullptr);
-    EXPECT_EQ(cache.UserData(0).index, -1);
+    EXPECT_EQ(Slot(cache, 0), std::make_pair(-1, false));
     EXPECT_EQ(cache.UserData(1).value, 0.0f);
+    EXPECT_EQ(Slot(cache, 2), std::make_pair(-1, false));
     EXPECT_EQ(&cache.UserData(2), &cache.UserData(7));
-    EXPECT_EQ(cache.UserData(2).index, -1);
     EXPECT_EQ(&cache.GetFrame(2), &cache.GetFrame(99));
-    EXPECT_EQ(cache.GetFrame(2).m_pBuffer, nullptr);
     EXPECT_EQ(cache.m_nPresetCount, 0xFFFFFFFFu);
     for (const EffectParam& entry : cache.m_Preset) {
         EXPECT_EQ(entry.dwType, 5u);
@@ -77,24 +83,24 @@ TEST(FrameCache, SetFrameCopiesReusesAndEmptiesAndResetClearsAllButThePresetCoun
     ASSERT_NE(slot.m_pBuffer, nullptr);
     EXPECT_NE(slot.m_pBuffer, first.frame.m_pBuffer);   // a copy, not a wrapper
     EXPECT_TRUE(slot.m_bLocalAlloc);
-    EXPECT_EQ(slot.m_pBuffer[5 * 4 - 1], 0x11);
-    EXPECT_EQ(cache.UserData(1).index, 10);
+    EXPECT_EQ(std::make_pair(slot.m_pBuffer[5 * 4 - 1], cache.UserData(1).index), std::make_pair(uint8_t{0x11}, 10));
 
     // Same size: the slot's memory is reused; a null record keeps the old one.
     unsigned char* memory = slot.m_pBuffer;
     Pixels second(5, 4, 0x22);
     cache.SetFrame(second.frame, 1, nullptr);
-    EXPECT_EQ(cache.GetFrame(1).m_pBuffer, memory);
-    EXPECT_EQ(cache.GetFrame(1).m_pBuffer[0], 0x22);
-    EXPECT_EQ(cache.UserData(1).index, 10);
+    EXPECT_EQ(std::make_tuple(slot.m_pBuffer, slot.m_pBuffer[0], cache.UserData(1).index),
+              std::make_tuple(memory, uint8_t{0x22}, 10));
 
     // Another size: new memory of the new size.
     Pixels bigger(9, 2, 0x33);
     Tag biggerTag{11, 0.25f};
     cache.SetFrame(bigger.frame, 1, &biggerTag);
-    EXPECT_EQ(cache.GetFrame(1).m_nWidth, 9);
-    EXPECT_EQ(cache.GetFrame(1).m_pBuffer[9 * 4 - 1], 0x33);
-    EXPECT_EQ(cache.UserData(1).index, 11);
+    EXPECT_EQ(std::make_tuple(slot.m_nWidth, slot.m_pBuffer[9 * 4 - 1], cache.UserData(1).index),
+              std::make_tuple(9, uint8_t{0x33}, 11));
+    Pixels taller(9, 5, 0x44);   // the same width
+    cache.SetFrame(taller.frame, 1, nullptr);
+    EXPECT_EQ(std::make_pair(slot.m_nHeight, slot.m_pBuffer[4 * slot.m_nByteSpan]), std::make_pair(5, uint8_t{0x44}));
     cache.SetFrame(first.frame, 2, &tag);   // out of range: nothing
     EXPECT_EQ(cache.UserData(2).index, -1);
 
@@ -102,25 +108,21 @@ TEST(FrameCache, SetFrameCopiesReusesAndEmptiesAndResetClearsAllButThePresetCoun
     cache.SetFrame(first.frame, 0, &tag);
     cache.m_nPresetCount = 3;
     cache.m_Preset[0].dwType = 2;
-    cache.Reset(5);
-    EXPECT_EQ(cache.UserData(0).index, 10);
+    cache.Reset(2);
+    EXPECT_EQ(Slot(cache, 0), std::make_pair(10, true));
     cache.Reset(0);
-    EXPECT_EQ(cache.GetFrame(0).m_pBuffer, nullptr);
-    EXPECT_EQ(cache.UserData(0).index, -1);
-    EXPECT_EQ(cache.UserData(1).index, 11);
+    EXPECT_EQ(Slot(cache, 0), std::make_pair(-1, false));
+    EXPECT_EQ(Slot(cache, 1), std::make_pair(11, true));
     EXPECT_EQ(cache.m_Preset[0].dwType, 2u);
     cache.Reset(0xFFFFFFFF);
-    EXPECT_EQ(cache.GetFrame(1).m_pBuffer, nullptr);
-    EXPECT_EQ(cache.UserData(1).index, -1);
-    EXPECT_EQ(cache.m_Preset[0].dwType, 5u);
-    EXPECT_EQ(cache.m_nPresetCount, 3u);
+    EXPECT_EQ(Slot(cache, 1), std::make_pair(-1, false));
+    EXPECT_EQ(std::make_pair(cache.m_Preset[0].dwType, cache.m_nPresetCount), std::make_pair(5u, 3u));
 
     // An empty frame empties the slot even with a record given.
     cache.SetFrame(first.frame, 1, &tag);
     CFrame empty;
     cache.SetFrame(empty, 1, &tag);
-    EXPECT_EQ(cache.GetFrame(1).m_pBuffer, nullptr);
-    EXPECT_EQ(cache.UserData(1).index, -1);
+    EXPECT_EQ(Slot(cache, 1), std::make_pair(-1, false));
     cache.Release();
     cache.Release();
     EXPECT_EQ(cache.m_nSlotCount, 0u);
@@ -144,24 +146,21 @@ TEST(FrameCacheMT, KeysKeepApartAndCreateOnlyWhenAsked)
     delete loose.m_pCache;
 }
 
+// Each key's age counts from its last look-up; looking up one key keeps only that one alive.
 TEST(FrameCacheMT, CachesExpireStrictlyAfterTenSecondsAcrossClockWrap)
 {
-    struct Case {
-        uint64_t pause;
-        bool survives;
-    };
-    for (const Case& c : {Case{10000, true}, Case{10001, false}, Case{9999, true}, Case{60000, false}}) {
+    for (uint64_t pause : {10000u, 10001u, 9999u, 60000u}) {
         g_now = 0xFFFFFFFFull - 3000;   // just below the 32-bit wrap of the millisecond count
         LockedWrapper locked;
         Pixels picture(2, 2, 1);
         Tag tag{5, 1.0f};
         locked.CacheOf(1)->SetFrame(picture.frame, 1, &tag);
-        g_now += c.pause / 2;
-        locked.CacheOf(2);   // another key keeps itself alive, not key 1
-        g_now += c.pause - c.pause / 2;
-        EXPECT_EQ(locked.CacheOf(1)->UserData(1).index, c.survives ? 5 : -1) << "pause " << c.pause;
-        const bool otherSurvives = c.pause - c.pause / 2 <= 10000;
-        EXPECT_EQ(locked.wrapper.m_Caches.size(), otherSurvives ? 2u : 1u) << "pause " << c.pause;
+        locked.CacheOf(2)->SetFrame(picture.frame, 1, &tag);
+        g_now += pause / 2;
+        locked.CacheOf(2);
+        g_now += pause - pause / 2;
+        EXPECT_EQ(locked.CacheOf(1)->UserData(1).index, pause <= 10000 ? 5 : -1) << "pause " << pause;
+        EXPECT_EQ(locked.CacheOf(2)->UserData(1).index, pause - pause / 2 <= 10000 ? 5 : -1) << "pause " << pause;
     }
 }
 
@@ -172,14 +171,12 @@ TEST(FrameCacheMT, GetFrameCopiesOnlyIntoAFrameOfTheSlotsSize)
     Tag tag{1, 1.0f};
     locked.CacheOf(4)->SetFrame(stored.frame, 1, &tag);
 
-    Pixels wrongSize(3, 3, 0x00);
-    EXPECT_FALSE(locked.wrapper.GetFrame(1, wrongSize.frame));
-    EXPECT_EQ(wrongSize.bytes, std::vector<uint8_t>(3 * 3 * 4, 0x00));
-    Pixels emptySlot(4, 3, 0x00);
-    EXPECT_FALSE(locked.wrapper.GetFrame(0, emptySlot.frame));
+    // A frame of another size, an empty slot, a frame without pixels: nothing copied.
+    Pixels narrower(3, 3, 0x00), shorter(4, 2, 0x00), emptySlot(4, 3, 0x00), target(4, 3, 0x00);
     CFrame noBuffer;
-    EXPECT_FALSE(locked.wrapper.GetFrame(1, noBuffer));
-    Pixels target(4, 3, 0x00);
+    EXPECT_FALSE(locked.wrapper.GetFrame(1, narrower.frame) || locked.wrapper.GetFrame(1, shorter.frame) ||
+                 locked.wrapper.GetFrame(0, emptySlot.frame) || locked.wrapper.GetFrame(1, noBuffer));
+    EXPECT_EQ(narrower.bytes, std::vector<uint8_t>(3 * 3 * 4, 0x00));
     EXPECT_TRUE(locked.wrapper.GetFrame(1, target.frame));
     EXPECT_EQ(target.bytes, stored.bytes);
 }

@@ -68,3 +68,18 @@ const uint8_t* Row(const Picture& picture, const FrameParams& params, int y)
 {
     return picture.Bytes().data() + static_cast<size_t>(y) * params.nByteSpan;
 }
+
+::testing::AssertionResult RowsHold(const Picture& picture, const FrameParams& params, const Picture& source,
+                                    const FrameParams& src, int bytes, const std::function<int(int)>& sourceRow)
+{
+    for (int y = 0; y < params.nHeight; ++y) {
+        const int from = sourceRow(y), written = from < 0 ? 0 : bytes;
+        const uint8_t* out = Row(picture, params, y);
+        if (written > 0 && std::memcmp(out, Row(source, src, from), written) != 0)
+            return ::testing::AssertionFailure() << "row " << y << " doesn't hold source row " << from;
+        for (int x = written; x < params.nByteSpan; ++x)
+            if (out[x] != kSentinel)
+                return ::testing::AssertionFailure() << "row " << y << " byte " << x << " was written";
+    }
+    return ::testing::AssertionSuccess();
+}

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 #include "../host/CallSlot.h"
@@ -93,3 +94,8 @@ TestHost::Picture Sentinel(int width, int height, PixelFormat format, int byteSp
 bool Untouched(const TestHost::Picture& picture);
 bool IsFloat(PixelFormat format);
 const uint8_t* Row(const TestHost::Picture& picture, const FrameParams& params, int y);
+// Each row of `picture` holds the first `bytes` bytes of row sourceRow(y) of `source` (none where
+// that is -1) and sentinels in the rest of its span.
+::testing::AssertionResult RowsHold(const TestHost::Picture& picture, const FrameParams& params,
+                                    const TestHost::Picture& source, const FrameParams& src, int bytes,
+                                    const std::function<int(int)>& sourceRow);

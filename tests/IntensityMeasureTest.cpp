@@ -126,44 +126,75 @@ TEST(IntensityMeasure, EveryVariantGivesTheFiguresOfThePerPixelLoop)
     CheckEveryVariant<VideoSampleSwappedFloat>(floats);
 }
 
-// The pictures end right at a page that faults when read; the swapped formats give the plain
-// figures of the same pixels.
+// The pictures end right at a page that faults when read, and each comes with its swapped twin:
+// the same pixels must give the same figures, bit for bit, with every variant.
 TEST(IntensityMeasure, NoVariantReadsPastThePictureAndSwappedFormatsGiveThePlainFigures)
 {
+    std::mt19937 random(99);
     for (int width = 1; width <= 40; ++width)
         for (int height = 4; height <= 6; ++height) {
             const size_t count = static_cast<size_t>(width) * height;
-            GuardedBlock bytes(count * 4, GuardedBlock::Guard::AfterEnd);
-            GuardedBlock floats(count * 16, GuardedBlock::Guard::AfterEnd);
-            std::memset(bytes.Data(), 0x80, count * 4);
-            std::memset(floats.Data(), 0, count * 16);
+            const Picture<VideoSample> bytes(width, height, width, Fill::kRandom, random);
+            const Picture<VideoSampleFloat> floats(width, height, width, Fill::kRandomOutOfRange, random);
+            const GuardedBlock::Guard end = GuardedBlock::Guard::AfterEnd;
+            GuardedBlock blocks[4] = {{count * 4, end}, {count * 4, end}, {count * 16, end}, {count * 16, end}};
+            auto* plain = reinterpret_cast<VideoSample*>(blocks[0].Data());
+            auto* swapped = reinterpret_cast<VideoSampleSwapped*>(blocks[1].Data());
+            auto* plainFloat = reinterpret_cast<VideoSampleFloat*>(blocks[2].Data());
+            auto* swappedFloat = reinterpret_cast<VideoSampleSwappedFloat*>(blocks[3].Data());
+            for (size_t i = 0; i < count; ++i) {
+                const VideoSample& p = plain[i] = bytes.pixels[i];
+                swapped[i] = VideoSampleSwapped{p.a, p.r, p.g, p.b};
+                const VideoSampleFloat& f = plainFloat[i] = floats.pixels[i];
+                swappedFloat[i] = VideoSampleSwappedFloat{f.a, f.r, f.g, f.b};
+            }
             for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels()) {
-                const auto* swapped = reinterpret_cast<VideoSampleSwapped*>(bytes.Data());
-                const Intensities plain =
-                    Measured(reinterpret_cast<VideoSample*>(bytes.Data()), width, width, height, kernels);
-                EXPECT_TRUE(SameFigures(plain, Measured(swapped, width, width, height, kernels)));
-                EXPECT_GT(plain.fBand[0], 0.0f);
-                Measured(reinterpret_cast<VideoSampleFloat*>(floats.Data()), width, width, height, kernels);
-                Measured(reinterpret_cast<VideoSampleSwappedFloat*>(floats.Data()), width, width, height, kernels);
+                EXPECT_TRUE(SameFigures(Measured(plain, width, width, height, kernels),
+                                        Measured(swapped, width, width, height, kernels)))
+                    << kernels->name << " " << width << "x" << height;
+                EXPECT_TRUE(SameFigures(Measured(plainFloat, width, width, height, kernels),
+                                        Measured(swappedFloat, width, width, height, kernels)))
+                    << kernels->name << " " << width << "x" << height;
             }
         }
+}
 
-    std::mt19937 random(99);
-    const int width = 45, height = 22;
-    Picture<VideoSample> plain(width, height, width, Fill::kRandom, random);
-    Picture<VideoSampleSwapped> swapped(width, height, width, Fill::kWhite, random);
-    Picture<VideoSampleFloat> plainFloat(width, height, width, Fill::kRandom, random);
-    Picture<VideoSampleSwappedFloat> swappedFloat(width, height, width, Fill::kWhite, random);
-    for (size_t i = 0; i < plain.pixels.size(); ++i) {
-        const VideoSample& p = plain.pixels[i];
-        swapped.pixels[i] = VideoSampleSwapped{p.a, p.r, p.g, p.b};
-        const VideoSampleFloat& f = plainFloat.pixels[i];
-        swappedFloat.pixels[i] = VideoSampleSwappedFloat{f.a, f.r, f.g, f.b};
+// The strip measure must agree bit for bit with the whole-picture loop, with every kernel set,
+// however its rows are handed in: heights on and off a multiple of 4 (the band quarters) and of
+// every strip height, and rows wider than their pixels.
+template <class Pixel>
+void CheckStrips(PixelFormat format)
+{
+    std::mt19937 random(5);
+    for (const Shape& shape : {Shape{37, 4, 37}, Shape{61, 23, 64}, Shape{128, 97, 131}, Shape{17, 1080, 17}}) {
+        Picture<Pixel> picture(shape.width, shape.height, shape.span, Fill::kRandom, random);
+        CFrame frame;
+        frame.Init(reinterpret_cast<uint8_t*>(picture.pixels.data()), shape.width, shape.height,
+                   shape.span * static_cast<int>(sizeof(Pixel)), static_cast<int>(sizeof(Pixel)), format, false);
+        for (const LuminanceRowKernels* kernels : AvailableLuminanceRowKernels()) {
+            Intensities expected = Measured(picture.pixels.data(), shape.span, shape.width, shape.height, kernels);
+            for (float& band : expected.fBand)
+                band /= sizeof(Pixel) == 4 ? 255.0f : 1.0f;
+            for (int rows : {1, 3, 7, 64, 5000}) {
+                CFrameIntensityMeasure measure(frame, *kernels);
+                for (int endRow = rows; endRow < shape.height + rows; endRow += rows) {
+                    measure.MeasureRowsBefore(endRow);
+                    measure.MeasureRowsBefore(endRow);   // rows already added aren't added again
+                }
+                EXPECT_TRUE(SameFigures(expected, measure.Result())) << kernels->name << " format " << format << " "
+                                                                     << shape.width << "x" << shape.height
+                                                                     << " strips of " << rows;
+            }
+        }
     }
-    EXPECT_TRUE(SameFigures(getAverageIntensity8u(plain.pixels.data(), width, width, height),
-                            getAverageIntensity8u(swapped.pixels.data(), width, width, height)));
-    EXPECT_TRUE(SameFigures(getAverageIntensity32f(plainFloat.pixels.data(), width, width, height),
-                            getAverageIntensity32f(swappedFloat.pixels.data(), width, width, height)));
+}
+
+TEST(IntensityMeasure, StripsGiveTheWholePictureFiguresBitForBit)
+{
+    CheckStrips<VideoSample>(pfVideoSample);
+    CheckStrips<VideoSampleSwapped>(pfVideoSampleSwapped);
+    CheckStrips<VideoSampleFloat>(pfVideoSampleFloat);
+    CheckStrips<VideoSampleSwappedFloat>(pfVideoSampleSwappedFloat);
 }
 
 // A frame over a picture of one grey level, or bright in some rows and black in the rest.

@@ -2,26 +2,25 @@
 // ones are replaced by the remembered last good frame.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <utility>
 #include <vector>
 
 #include "../DeglarerPro/Deglarer.h"
 #include "../host/Clip.h"
 #include "../host/InProcessHost.h"
-#include "../platform/MonotonicClock.h"
 #include "FreshEffectId.h"
+#include "TimeAccessOutcome.h"
 
 namespace {
 
 using TestHost::Clip;
 using TestHost::InProcessHost;
 using TestHost::Picture;
+using TimeAccessOutcome::Mark;
+using TimeAccessOutcome::Outcome;
 
 const int kWidth = 16;
 const int kHeight = 8;
-const int kMarked = -2;     // the output shows the source with a cross
-const int kUnknown = -3;    // the output is no frame of the clip
 
 // Frames first..last of a clip at one grey level.
 struct Stretch {
@@ -63,6 +62,7 @@ public:
             m_ownEffect.SetId(FreshEffectId());
     }
 
+    // The clip frame the output shows, or -1.
     int Render(int index, int16_t field = 1)
     {
         Picture output(m_clip.Width(), m_clip.Height(), m_clip.Format());
@@ -71,11 +71,7 @@ public:
         for (int candidate = 0; candidate < m_clip.FrameCount(); ++candidate)
             if (output.SameAs(m_clip, candidate))
                 return candidate;
-        m_lastOutput = output.Bytes();
-        // The corners lie on the diagonals of the cross; the middle of the top row doesn't.
-        const uint8_t* source = m_clip.Frame(index);
-        const size_t middle = static_cast<size_t>(kWidth / 2) * 4 + 1;
-        return m_lastOutput[middle] == source[middle] && m_lastOutput[4] != source[4] ? kMarked : kUnknown;
+        return -1;
     }
 
     std::vector<int> Play(int first, int last)
@@ -86,17 +82,8 @@ public:
         return shown;
     }
 
-    // The colour of the cross in the last marked output: 'r', 'b' or '?'.
-    char CrossColour() const
-    {
-        int red = 0, blue = 0;
-        for (size_t i = 0; i + 3 < m_lastOutput.size(); i += 4) {
-            red += m_lastOutput[i + 2] > 200 && m_lastOutput[i] < 60;
-            blue += m_lastOutput[i] > 200 && m_lastOutput[i + 2] < 60;
-        }
-        return red > 0 && blue == 0 ? 'r' : blue > 0 && red == 0 ? 'b' : '?';
-    }
-
+    // What the output shows, Test mode's cross included.
+    Outcome Marked(int index) { return TimeAccessOutcome::Render(m_host, m_effect, m_clip, index); }
     InProcessHost& Host() { return m_host; }
     CDeglarer& Effect() { return m_effect; }
 
@@ -105,7 +92,6 @@ private:
     InProcessHost m_host;
     CDeglarer m_ownEffect;
     CDeglarer& m_effect;
-    std::vector<uint8_t> m_lastOutput;
 };
 
 // Renders (index, expected clip frame shown) in order.
@@ -158,11 +144,9 @@ TEST(SequentialRender, TestModeMarksReplacedRedAndSparedBlue)
     player.Host().SetTestMode(true);
     player.Play(0, 4);
     // Frame 5 rendered twice in a row gets the same decision.
-    const std::pair<int, char> marks[] = {{5, 'r'}, {5, 'r'}, {6, 'r'}, {7, 'b'}};
-    for (const auto& mark : marks) {
-        EXPECT_EQ(player.Render(mark.first), kMarked) << "frame " << mark.first;
-        EXPECT_EQ(player.CrossColour(), mark.second) << "frame " << mark.first;
-    }
+    const std::pair<int, Mark> marks[] = {{5, Mark::kRed}, {5, Mark::kRed}, {6, Mark::kRed}, {7, Mark::kBlue}};
+    for (const auto& [index, mark] : marks)
+        EXPECT_EQ(player.Marked(index), (Outcome{index, mark}));
     EXPECT_EQ(player.Render(8), 8);
 }
 
@@ -200,22 +184,6 @@ TEST(SequentialRender, FieldsAndHostInstancesKeepSeparateMemories)
     Player otherInstance(clip, 2, &player.Effect());
     EXPECT_EQ(otherInstance.Render(5), 5);
     EXPECT_EQ(player.Render(6), 6);
-}
-
-std::atomic<uint64_t> g_now{1000};
-uint64_t ManualClock() { return g_now.load(); }
-
-TEST(SequentialRender, MemoryExpiresAfterTenSecondsOfSilence)
-{
-    Platform::SetMillisecondSourceForTesting(&ManualClock);
-    for (uint64_t pause : {10000u, 10001u}) {
-        Clip clip = GreyClip(10, {{5, 5, 0.8f}});
-        Player player(clip);
-        player.Play(0, 4);
-        g_now += pause;
-        EXPECT_EQ(player.Render(5), pause <= 10000 ? 4 : 5) << "pause " << pause;
-    }
-    Platform::SetMillisecondSourceForTesting(nullptr);
 }
 
 TEST(SequentialRender, FrameSizeChangeInTheMiddleFallsBackToTheSource)

@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "../Common/Frame.h"
@@ -90,9 +91,13 @@ std::vector<Example> Examples()
         {"slow fade up and down", fade, kMaxFramesTwo, {}, {}, {}},
         // With one frame allowed, the brighter frame goes, the run's end rule first.
         {"two-frame flash, brighter second", Join({scene, {0.80f, 0.90f}, scene}), kMaxFramesOne, {{7, 8}}, {6}, {}},
-        // The brightest middle frame takes the dimmer of its flashed neighbours.
+        // The brightest middle frame takes the dimmer of its flashed neighbours, the earlier of
+        // two alike; of two alike frames the earlier goes.
         {"three-frame flash, brightest middle", Join({scene, {0.80f, 0.90f, 0.70f}, scene}), kMaxFramesOne, {{7, 8}},
          {6, 8}, {}},
+        {"three-frame flash, even sides", Join({scene, {0.80f, 0.90f, 0.80f}, scene}), kMaxFramesOne, {{7, 6}},
+         {6, 8}, {}},
+        {"two-frame flash, even", Join({scene, {0.80f, 0.80f}, scene}), kMaxFramesOne, {{6, 5}}, {7}, {}},
         {"three-frame flash, two allowed", Join({scene, {0.80f, 0.90f, 0.70f}, scene}), kMaxFramesTwo,
          {{6, 5}, {7, 8}}, {8}, {}},
         // Only the first rows light up: band 0 climbs 2 steps, band 1 none. The whole frame goes.
@@ -175,11 +180,9 @@ TEST(TimeAccess, ScansAskForTheSourceFormatAndStopAfterFiveQuietFrames)
     std::vector<int> fetched = host.FetchedIndices();
     std::sort(fetched.begin(), fetched.end());
     EXPECT_EQ(fetched, (std::vector<int>{10, 11, 12, 13, 14, 16, 17, 18, 19, 20}));
-    for (const InProcessHost::FrameRequest& request : host.FrameRequests()) {
-        EXPECT_EQ(request.frame.pfFormat, pfVideoSampleSwapped);
-        EXPECT_EQ(request.frame.pBuffer, nullptr);
-        EXPECT_EQ(request.info.nField, 1);
-    }
+    for (const InProcessHost::FrameRequest& request : host.FrameRequests())
+        EXPECT_EQ(std::make_tuple(request.frame.pfFormat, request.frame.pBuffer, request.info.nField),
+                  std::make_tuple(pfVideoSampleSwapped, static_cast<uint8_t*>(nullptr), int16_t{1}));
     // Frames without clean frames on both sides are decided without looking around.
     host.ClearRecord();
     CDeglarer fresh;
@@ -191,17 +194,13 @@ TEST(TimeAccess, ScansAskForTheSourceFormatAndStopAfterFiveQuietFrames)
 
 TEST(TimeAccess, PositionsOutsideTheClipPassUnchanged)
 {
-    struct Case {
-        double clipLength;
-        int frameIndex;
-        double frameRate;
-        int shows;
-    };
-    // A frame past the clip's end, a negative index, lengths and rates that aren't numbers or
-    // are 0. A clip said to be endless is scanned until the missing frames are quiet.
-    const Case cases[] = {{0.2, 40, 25.0, 6},         {0.8, -3, 25.0, 6}, {std::nan(""), 6, 25.0, 6},
-                          {0.8, 6, std::nan(""), 6}, {0.8, 6, 0.0, 6},   {1e300, 6, 25.0, 5}};
-    for (const Case& c : cases) {
+    // Clip length, frame index, frame rate, the frame shown: a frame past the clip's end, a
+    // negative index, lengths and rates that aren't numbers or are 0. A clip said to be endless
+    // is scanned until the missing frames are quiet.
+    const double nan = std::nan("");
+    const double cases[][4] = {{0.2, 40, 25.0, 6}, {0.8, -3, 25.0, 6}, {nan, 6, 25.0, 6},
+                               {0.8, 6, nan, 6},   {0.8, 6, 0.0, 6},   {1e300, 6, 25.0, 5}};
+    for (const auto& c : cases) {
         Clip clip = BuildClip(kFlashAtSix, pfVideoSample);
         InProcessHost host(clip);
         CDeglarer effect;
@@ -210,11 +209,11 @@ TEST(TimeAccess, PositionsOutsideTheClipPassUnchanged)
         TestHost::Picture output(kWidth, kHeight, pfVideoSample);
         FrameParams destination = output.Params();
         RenderInfo info = host.MakeRenderInfo(6);
-        info.dClipLength = c.clipLength;
-        info.nFrameIndex = c.frameIndex;
-        info.dFrameRate = c.frameRate;
+        info.dClipLength = c[0];
+        info.nFrameIndex = static_cast<int>(c[1]);
+        info.dFrameRate = c[2];
         EXPECT_TRUE(effect.Render(&host, &source, nullptr, &destination, &info));
-        EXPECT_TRUE(output.SameAs(clip, c.shows)) << c.clipLength << " " << c.frameIndex << " " << c.frameRate;
+        EXPECT_TRUE(output.SameAs(clip, static_cast<int>(c[3]))) << c[0] << " " << c[1] << " " << c[2];
         EXPECT_EQ(host.Leaks(), "");
     }
 }
