@@ -2,6 +2,10 @@
 // measuring, reading marks, runs, progress, memory planning and frame numbering.
 #include <gtest/gtest.h>
 
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -19,6 +23,7 @@
 #include "../host/deglare/MarkReader.h"
 #include "../host/deglare/MemoryPlan.h"
 #include "../host/deglare/Options.h"
+#include "../host/deglare/PicturePool.h"
 #include "../host/deglare/Progress.h"
 #include "../host/deglare/SliderPositions.h"
 #include "../host/deglare/Summary.h"
@@ -262,11 +267,34 @@ TEST(DeglareMemory, PlanStaysInTheBudgetAndFourKFitsTwoGigabytes)
         EXPECT_TRUE(plan.keepBehind >= 2 && plan.keepBehind < plan.windowFrames) << plan.keepBehind;
         EXPECT_TRUE(plan.raised || plan.plannedBytes <= 1024 * megabyte) << plan.plannedBytes;
         EXPECT_TRUE(test.threads > 2 || plan.plannedBytes <= 1280 * megabyte) << "leaves the encoder its share of 2 GB";
+        EXPECT_TRUE(plan.startPictures > plan.decodeAhead && plan.startPictures <= plan.windowFrames + 2 * test.threads)
+            << "pictures readied at the start: " << plan.startPictures;
     }
     // Small frames get the longest window, and no more.
     const MemoryPlan small = PlanMemory(1024 * megabyte, 20000, 12288, 7712, 2);
     EXPECT_EQ(small.windowFrames, 32);
     EXPECT_FALSE(small.raised);
+}
+
+TEST(DeglareMemory, WarmedPicturesLeaveThePoolWithTheirPagesIn)
+{
+    // Big enough for memory of its own from the system, which has no page in until touched.
+    const size_t bytes = size_t(4) << 20;
+    const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    const auto resident = [&](uint8_t* pixels) {
+        std::vector<unsigned char> pages((bytes + page - 1) / page);
+        return mincore(pixels, bytes, pages.data()) == 0 &&
+               std::all_of(pages.begin(), pages.end(), [](unsigned char in) { return (in & 1) != 0; });
+    };
+    PicturePool pool(2);
+    pool.Warm(bytes, 3);   // one more than the pool keeps
+    uint8_t* first = pool.Take(bytes);
+    uint8_t* second = pool.Take(bytes);
+    EXPECT_NE(first, second);
+    EXPECT_TRUE(resident(first));
+    EXPECT_TRUE(resident(second));
+    pool.Give(first, bytes);
+    pool.Give(second, bytes);
 }
 
 TEST(DeglareFrameIndex, FindsFramesByTimestampInPresentationOrder)

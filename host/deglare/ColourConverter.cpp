@@ -69,6 +69,12 @@ std::unique_ptr<Picture> ColourConverter::NewPicture(int width, int height)
     return std::make_unique<Picture>(width, height, m_pictures);
 }
 
+void ColourConverter::WarmPictures(int width, int height, int count)
+{
+    if (width > 0 && height > 0 && count > 0)
+        m_pictures->Warm(Picture::BytesFor(width, height), static_cast<size_t>(count));
+}
+
 ColourConverter::~ColourConverter()
 {
     for (Scaler& scaler : m_idle)

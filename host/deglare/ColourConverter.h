@@ -20,6 +20,8 @@ public:
 
     // A BGRA picture for conversions, from memory that pictures of the run give back.
     std::unique_ptr<Picture> NewPicture(int width, int height);
+    // Makes `count` pictures of that size ready for NewPicture, their memory touched.
+    void WarmPictures(int width, int height, int count);
 
     // `frame` into `picture`, scaled to the picture's size if the two differ.
     void ToBgra(const AVFrame* frame, Picture& picture);

@@ -45,6 +45,7 @@ MemoryPlan PlanMemory(size_t budget, size_t frameBytes, size_t pictureBytes, siz
     plan.windowFrames = window;
     plan.keepBehind = std::clamp(window / 4, kLeastBehind, SubstituteReach(maxFrames));
     plan.decodeAhead = std::min(threads + kLeastAhead, window - plan.keepBehind);
+    plan.startPictures = plan.keepBehind + plan.decodeAhead + 2 * threads;
     plan.plannedBytes = fixedBytes + window * frameBytes;
     return plan;
 }

@@ -12,6 +12,7 @@ struct MemoryPlan {
     int decodeAhead = 0;        // frames decoded past the oldest render before any request asks
     int pendingFrames = 0;      // outcomes rendered and not yet encoded
     int farFrames = 0;          // frames kept by the far reader
+    int startPictures = 0;      // BGRA pictures held once the window has filled: its frames, destinations
     size_t plannedBytes = 0;    // the most the plan can hold
     bool raised = false;        // the budget was below the least that works, which is used instead
 };

@@ -12,6 +12,7 @@ namespace {
 // for every 4 KB of a new picture costs more than converting into it.
 const size_t kHugePage = size_t(2) << 20;
 const size_t kSmallAlignment = 64;
+const size_t kPageBytes = 4096;
 
 uint8_t* Allocate(size_t bytes)
 {
@@ -57,6 +58,22 @@ void PicturePool::Give(uint8_t* pixels, size_t bytes)
         }
     }
     std::free(pixels);
+}
+
+void PicturePool::Warm(size_t bytes, size_t count)
+{
+    for (size_t made = 0; made < count; ++made) {
+        uint8_t* pixels = nullptr;
+        try {
+            pixels = Allocate(bytes);
+        } catch (const std::bad_alloc&) {
+            return;
+        }
+        // One write a page faults it in; the system hands it over zeroed.
+        for (size_t offset = 0; offset < bytes; offset += kPageBytes)
+            pixels[offset] = 0;
+        Give(pixels, bytes);
+    }
 }
 
 } // namespace Deglare

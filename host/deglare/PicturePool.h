@@ -22,6 +22,9 @@ public:
     uint8_t* Take(size_t bytes);
     // Back into the pool, or freed when the pool holds enough.
     void Give(uint8_t* pixels, size_t bytes);
+    // Puts up to `count` pictures of `bytes` into the pool with every page already touched, as far
+    // as memory allows, so that their first use doesn't fault them in a page at a time.
+    void Warm(size_t bytes, size_t count);
 
 private:
     const size_t m_mostKept;

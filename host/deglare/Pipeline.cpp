@@ -4,8 +4,10 @@
 #include <chrono>
 #include <condition_variable>
 #include <exception>
+#include <future>
 #include <memory>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 #include "ColourConverter.h"
@@ -107,12 +109,32 @@ private:
 void Run::Prepare()
 {
     m_input = std::make_unique<MediaInput>(m_settings.input);
-    m_index = MediaInput::IndexVideoFrames(m_settings.input, m_input->VideoIndex());
-    if (m_index.Count() == 0)
-        throw Failure(ExitStatus::NoVideoFrames, m_settings.input + ": its video stream holds no frames");
     const AVStream* video = m_input->Video();
     m_shape.width = video->codecpar->width;
     m_shape.height = video->codecpar->height;
+    m_renderThreads = RenderThreads(m_settings);
+    const AVPixelFormat format = static_cast<AVPixelFormat>(video->codecpar->format);
+    const size_t frameBytes = DecodedFrame::BytesFor(m_shape.width, m_shape.height, format);
+    const size_t pictureBytes = Picture::BytesFor(m_shape.width, m_shape.height);
+    const size_t outcomeBytes = m_settings.effect.testMode ? frameBytes : frameBytes - pictureBytes;
+    m_plan = PlanMemory(m_settings.memoryBudget, frameBytes, pictureBytes, outcomeBytes, m_renderThreads,
+                        DecodedMaxFrames(m_settings.effect.maxFramesPosition));
+
+    // Fresh memory faults in a page at a time on first touch, and once decoding and rendering
+    // have started that competes with them for the processors. Reading the packets for the index
+    // keeps one processor busy, so the other readies the pictures that the filled window holds.
+    std::future<void> warming;
+    try {
+        warming = std::async(std::launch::async,
+                             [this] { m_converter.WarmPictures(m_shape.width, m_shape.height, m_plan.startPictures); });
+    } catch (const std::system_error&) {
+        // No thread to spare: the pictures fault in as they are first used.
+    }
+    m_index = MediaInput::IndexVideoFrames(m_settings.input, m_input->VideoIndex());
+    if (warming.valid())
+        warming.wait();
+    if (m_index.Count() == 0)
+        throw Failure(ExitStatus::NoVideoFrames, m_settings.input + ": its video stream holds no frames");
     m_shape.frameCount = m_index.Count();
     m_frameRate = NominalFrameRate(video);
     m_shape.frameRate = av_q2d(m_frameRate);
@@ -121,13 +143,6 @@ void Run::Prepare()
                                                      : (m_index.Timed() ? m_index.PtsOf(0) : 0);
     m_result.indexedFrames = m_index.Count();
 
-    m_renderThreads = RenderThreads(m_settings);
-    const AVPixelFormat format = static_cast<AVPixelFormat>(video->codecpar->format);
-    const size_t frameBytes = DecodedFrame::BytesFor(m_shape.width, m_shape.height, format);
-    const size_t pictureBytes = Picture::BytesFor(m_shape.width, m_shape.height);
-    const size_t outcomeBytes = m_settings.effect.testMode ? frameBytes : frameBytes - pictureBytes;
-    m_plan = PlanMemory(m_settings.memoryBudget, frameBytes, pictureBytes, outcomeBytes, m_renderThreads,
-                        DecodedMaxFrames(m_settings.effect.maxFramesPosition));
     if (m_plan.raised)
         m_console.Warn("--memory is too small for " + std::to_string(m_shape.width) + "x" +
                        std::to_string(m_shape.height) + " video; using " +
