@@ -2,6 +2,7 @@
 
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 
@@ -62,7 +63,8 @@ void PicturePool::Give(uint8_t* pixels, size_t bytes)
 
 void PicturePool::Warm(size_t bytes, size_t count)
 {
-    for (size_t made = 0; made < count; ++made) {
+    // Pictures past what the pool keeps would be touched only to be freed again.
+    for (size_t made = 0; made < std::min(count, m_mostKept); ++made) {
         uint8_t* pixels = nullptr;
         try {
             pixels = Allocate(bytes);
