@@ -16,6 +16,9 @@ PACKAGES=(
   clang libfuzzer-14-dev libclang-rt-14-dev locales
   libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg
   libcli11-dev nlohmann-json3-dev libcairo2-dev
+  libcpp-httplib-dev libgtk-3-dev xvfb xauth
+  libgl-dev libegl-dev libegl-mesa0 libgl1-mesa-dri
+  frei0r-plugins-dev melt
 )
 
 install_missing() {
@@ -51,6 +54,25 @@ build() {
   cmake --build "$dir" -- -j"$(nproc)"
 }
 
+# fuzz NAME SECONDS: runs build-fuzz's deglarer_NAME_fuzzer on tests/fuzz/NAME_corpus (with
+# tests/fuzz/NAME.dict where there is one). One input taking 10 seconds counts as a hang, and a
+# hang is a finding like a crash.
+fuzz() {
+  local name=$1 seconds=$2 dict=()
+  cmake --build build-fuzz --target "deglarer_${name}_fuzzer" -- -j"$(nproc)"
+  rm -rf "build-fuzz/${name}_corpus"
+  cp -r "tests/fuzz/${name}_corpus" "build-fuzz/${name}_corpus"
+  [ -f "tests/fuzz/${name}.dict" ] && dict=(-dict="tests/fuzz/${name}.dict")
+  if ! "./build-fuzz/tests/fuzz/deglarer_${name}_fuzzer" -max_total_time="$seconds" -timeout=10 \
+       -print_final_stats=1 "${dict[@]}" -artifact_prefix="build-fuzz/${name}-" "build-fuzz/${name}_corpus" \
+       >"build-fuzz/${name}_fuzzer.log" 2>&1; then
+    tail -n 60 "build-fuzz/${name}_fuzzer.log"
+    echo "setup: the ${name} fuzzer found a fault; the input is in build-fuzz/" >&2
+    exit 1
+  fi
+  echo "fuzz ${name}: $(grep -E '^Done ' "build-fuzz/${name}_fuzzer.log")"
+}
+
 install_missing
 install_test_locale ||
   echo "setup: could not generate de_DE.UTF-8; the preset locale tests will be skipped" >&2
@@ -70,22 +92,11 @@ case "${1:-}" in
       -DDEGLARER_BUILD_BENCH=OFF >/dev/null
     cmake --build build-tsan --target deglarer_concurrency -- -j"$(nproc)"
     TSAN_OPTIONS=halt_on_error=1 ctest --test-dir build-tsan -L concurrency --output-on-failure -j"$(nproc)"
-    # The preset loader under libFuzzer for a minute, from a copy of the seed corpus so that the
-    # files it finds stay out of the repository; any finding fails the run.
+    # The fuzz targets under libFuzzer, each from a copy of its seed corpus so that the files it
+    # finds stay out of the repository; any finding fails the run.
     CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
       -DDEGLARER_BUILD_FUZZ=ON -DDEGLARER_BUILD_TESTS=OFF -DDEGLARER_BUILD_BENCH=OFF >/dev/null
-    cmake --build build-fuzz --target deglarer_preset_fuzzer -- -j"$(nproc)"
-    rm -rf build-fuzz/preset_corpus
-    cp -r tests/fuzz/preset_corpus build-fuzz/preset_corpus
-    # One input taking 10 seconds counts as a hang, and a hang is a finding like a crash.
-    if ! ./build-fuzz/tests/fuzz/deglarer_preset_fuzzer -max_total_time=60 -timeout=10 -print_final_stats=1 \
-         -dict=tests/fuzz/preset.dict -artifact_prefix=build-fuzz/ build-fuzz/preset_corpus \
-         >build-fuzz/preset_fuzzer.log 2>&1; then
-      tail -n 60 build-fuzz/preset_fuzzer.log
-      echo "setup: the preset fuzzer found a fault; the input is in build-fuzz/" >&2
-      exit 1
-    fi
-    grep -E '^Done |stat::number_of_executed_units' build-fuzz/preset_fuzzer.log
+    fuzz preset 60
     ;;
   "") ;;
   *)
