@@ -135,6 +135,18 @@ size_t InProcessHost::AllocationCount() const
     return m_allocations;
 }
 
+std::vector<InProcessHost::PictureRequest> InProcessHost::PictureRequests() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_pictureRequests;
+}
+
+size_t InProcessHost::FreeCount() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_frees;
+}
+
 void InProcessHost::ClearRecord()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
@@ -143,6 +155,8 @@ void InProcessHost::ClearRecord()
     m_released = 0;
     m_paramReads = 0;
     m_allocations = 0;
+    m_pictureRequests.clear();
+    m_frees = 0;
 }
 
 std::string InProcessHost::Leaks() const
@@ -273,7 +287,11 @@ HostInfo InProcessHost::GetHostInfo()
 
 int InProcessHost::AllocatePicture(unsigned char** ppBuffer, int width, int height, int depth, int* pSpan)
 {
-    if (ppBuffer == nullptr || pSpan == nullptr || width < 1 || height < 1 || depth < 1)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_pictureRequests.push_back({width, height, depth});
+    }
+    if (ppBuffer == nullptr || pSpan == nullptr || width < 1 || height < 1 || depth < 1 || m_options.refusePictures)
         return 0;
     // Rows padded to an odd 8 bytes beyond the row, so nothing may assume 32-byte steps.
     const size_t span = static_cast<size_t>(width) * depth + 8;
@@ -291,6 +309,7 @@ int InProcessHost::AllocatePicture(unsigned char** ppBuffer, int width, int heig
 void InProcessHost::FreePicture(void* buffer)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
+    ++m_frees;
     if (m_pictures.erase(buffer) == 0) {
         m_faults.push_back("FreePicture of a buffer the host never gave");
         return;

@@ -22,6 +22,8 @@ public:
     struct Options {
         bool timeAccess = true;
         bool offerAllocator = true;
+        // The allocator is offered but gives no picture, as a host out of memory would.
+        bool refusePictures = false;
         uint32_t instanceId = 1;
         // Each delivered frame is a private copy, so that a write into it or a use after release
         // shows; off, GetFrameAt hands out the clip's own memory, as a host with frames in memory
@@ -48,6 +50,7 @@ public:
     void SetParamReadHook(std::function<void()> hook) { m_paramReadHook = std::move(hook); }
     void SetTimeAccess(bool on) { m_options.timeAccess = on; }
     void SetInstanceId(uint32_t id) { m_options.instanceId = id; }
+    void SetRefusePictures(bool refuse) { m_options.refusePictures = refuse; }
 
     // A RenderInfo for frame `index`, with the frame index valid.
     RenderInfo MakeRenderInfo(int index, int16_t field = 1) const;
@@ -67,6 +70,16 @@ public:
     size_t ReleaseCount() const;
     size_t ParamReads() const;
     size_t AllocationCount() const;
+    // Width, height and depth of each picture asked for, refused ones included; pictures freed.
+    struct PictureRequest {
+        int width, height, depth;
+        bool operator==(const PictureRequest& other) const
+        {
+            return width == other.width && height == other.height && depth == other.depth;
+        }
+    };
+    std::vector<PictureRequest> PictureRequests() const;
+    size_t FreeCount() const;
     void ClearRecord();
     // Empty when every handle, picture and interface reference went back; otherwise what didn't.
     std::string Leaks() const;
@@ -108,6 +121,8 @@ private:
     size_t m_released = 0;
     size_t m_paramReads = 0;
     size_t m_allocations = 0;
+    std::vector<PictureRequest> m_pictureRequests;
+    size_t m_frees = 0;
     std::map<void*, Delivery*> m_deliveries;
     std::set<void*> m_pictures;
     std::atomic<int32_t> m_references{0};

@@ -43,20 +43,30 @@ Clip GreyClip(int count, const std::vector<Stretch>& stretches = {}, int width =
     return clip;
 }
 
-InProcessHost::Options Sequential(uint32_t instance = 1)
+InProcessHost::Options Sequential(uint32_t instance = 1, bool offerAllocator = true)
 {
     InProcessHost::Options options;
     options.timeAccess = false;
     options.instanceId = instance;
+    options.offerAllocator = offerAllocator;
     return options;
+}
+
+// One stand-in picture of the source's geometry asked for and given back per replaced frame.
+void ExpectStandIns(const InProcessHost& host, size_t replaced, const char* what = "")
+{
+    const InProcessHost::PictureRequest standIn{kWidth, kHeight, 4};
+    EXPECT_EQ(host.PictureRequests(), std::vector<InProcessHost::PictureRequest>(replaced, standIn)) << what;
+    EXPECT_EQ(host.FreeCount(), replaced) << what;
 }
 
 // Renders frames in the order given and tells, per render, which clip frame came out. Players of
 // other host instances may share one effect object.
 class Player {
 public:
-    Player(Clip& clip, uint32_t instance = 1, CDeglarer* shared = nullptr)
-        : m_clip(clip), m_host(clip, Sequential(instance)), m_effect(shared != nullptr ? *shared : m_ownEffect)
+    Player(Clip& clip, uint32_t instance = 1, CDeglarer* shared = nullptr, bool offerAllocator = true)
+        : m_clip(clip), m_host(clip, Sequential(instance, offerAllocator)),
+          m_effect(shared != nullptr ? *shared : m_ownEffect)
     {
         if (shared == nullptr)
             m_ownEffect.SetId(FreshEffectId());
@@ -134,6 +144,7 @@ TEST(SequentialRender, PlayingAClipInOrderReplacesFlashesWithinMaxFramesOfTheLas
             expected[replaced.first] = replaced.second;
         EXPECT_EQ(player.Play(0, c.frames - 1), expected) << c.what;
         EXPECT_EQ(player.Host().FetchCount(), 0u) << c.what;   // this path never asks the host for frames
+        ExpectStandIns(player.Host(), c.replaced.size(), c.what);
     }
 }
 
@@ -148,6 +159,30 @@ TEST(SequentialRender, TestModeMarksReplacedRedAndSparedBlue)
     for (const auto& [index, mark] : marks)
         EXPECT_EQ(player.Marked(index), (Outcome{index, mark}));
     EXPECT_EQ(player.Render(8), 8);
+    ExpectStandIns(player.Host(), 3);   // the red ones: a spared frame needs none
+}
+
+TEST(SequentialRender, AStandInTheHostRefusesLeavesTheSourceUnmarked)
+{
+    struct Case {
+        bool offerAllocator, refuse, test;
+        Outcome frame5;
+    };
+    const Case cases[] = {
+        {true, false, false, {4, Mark::kNone}}, {true, false, true, {5, Mark::kRed}},
+        {true, true, false, {5, Mark::kNone}},  {true, true, true, {5, Mark::kNone}},
+        {false, false, false, {4, Mark::kNone}}, {false, false, true, {5, Mark::kRed}},   // the library's own memory
+    };
+    for (const Case& c : cases) {
+        Clip clip = GreyClip(8, {{5, 5, 0.8f}});
+        Player player(clip, 1, nullptr, c.offerAllocator);
+        player.Host().SetTestMode(c.test);
+        player.Play(0, 4);
+        player.Host().SetRefusePictures(c.refuse);
+        EXPECT_EQ(player.Marked(5), c.frame5) << c.offerAllocator << c.refuse << c.test;
+        EXPECT_EQ(player.Host().PictureRequests().size(), c.offerAllocator ? 1u : 0u);
+        EXPECT_EQ(player.Host().Leaks(), "");
+    }
 }
 
 TEST(SequentialRender, ChangingAParameterResetsTheMemory)
