@@ -97,6 +97,7 @@ case "${1:-}" in
     CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
       -DDEGLARER_BUILD_FUZZ=ON -DDEGLARER_BUILD_TESTS=OFF -DDEGLARER_BUILD_BENCH=OFF >/dev/null
     fuzz preset 60
+    fuzz settings 30
     ;;
   "") ;;
   *)
