@@ -1,10 +1,8 @@
 #include "EffectModule.h"
 
-#include <atomic>
 #include <cctype>
 #include <filesystem>
 
-#include "../../include/InterfaceIds.h"
 #include "ExitStatus.h"
 
 namespace Deglare {
@@ -14,10 +12,6 @@ const unsigned int kSensitivityParam = 0;
 const unsigned int kMaxFramesParam = 1;
 const unsigned int kTestModeParam = 2;
 const char* const kBundleName = "DeglarerPro.bundle";
-
-// Every effect object of the process gets an id of its own: the effect keeps what it measured
-// under the id for as long as the module is loaded.
-std::atomic<unsigned int> s_nextEffectId{1};
 
 bool SameIgnoringCase(const std::string& a, const std::string& b)
 {
@@ -45,29 +39,18 @@ EffectModule::EffectModule(const std::string& bundlePath)
     if (!m_loader->Loaded())
         throw Failure(ExitStatus::ModuleUnavailable, bundlePath + ": the effect can't be loaded (" + m_loader->Error() +
                                                          "); give its place with --bundle");
-    m_library = m_loader->GetEffectsLibrary();
-    if (m_library == nullptr)
+    m_instance = std::make_unique<TestHost::EffectInstance>(*m_loader);
+    if (m_instance->Library() == nullptr)
         throw Failure(ExitStatus::ModuleUnavailable, bundlePath + ": the module gave no library object");
-    m_effect = m_library->CreateEffect(0);
-    if (m_effect == nullptr) {
-        m_library->Release();
-        m_library = nullptr;
+    if (m_instance->Effect() == nullptr)
         throw Failure(ExitStatus::ModuleUnavailable, bundlePath + ": the library offers no effect");
-    }
-    IEffectUniqueId* uniqueId = nullptr;
-    if (m_effect->QueryInterface(IID_EffectUniqueId, reinterpret_cast<void**>(&uniqueId)) == S_OK && uniqueId) {
-        uniqueId->SetId(s_nextEffectId++);
-        uniqueId->Release();
-    }
+    m_library = m_instance->Library();
+    m_effect = m_instance->Effect();
 }
 
 EffectModule::~EffectModule()
 {
-    // Effects go first, then the library, as the module expects before it is unloaded.
-    if (m_effect != nullptr)
-        m_effect->Release();
-    if (m_library != nullptr)
-        m_library->Release();
+    m_instance.reset();   // the effect and library go before the module
 }
 
 EffectSettings EffectModule::Defaults() const

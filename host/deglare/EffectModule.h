@@ -5,6 +5,7 @@
 
 #include "../../include/EffectLibrary.h"
 #include "../../include/VideoEffect.h"
+#include "../EffectInstance.h"
 #include "../ModuleLoader.h"
 #include "EffectSettings.h"
 
@@ -35,6 +36,7 @@ public:
 
 private:
     std::unique_ptr<TestHost::ModuleLoader> m_loader;
+    std::unique_ptr<TestHost::EffectInstance> m_instance;
     IEffectLibrary* m_library = nullptr;
     IVideoEffect* m_effect = nullptr;
 };
