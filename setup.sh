@@ -98,6 +98,7 @@ case "${1:-}" in
       -DDEGLARER_BUILD_FUZZ=ON -DDEGLARER_BUILD_TESTS=OFF -DDEGLARER_BUILD_BENCH=OFF >/dev/null
     fuzz preset 60
     fuzz settings 30
+    fuzz presetfile 30
     ;;
   "") ;;
   *)

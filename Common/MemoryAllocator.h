@@ -27,7 +27,7 @@ public:
 
 private:
     IMemoryAllocator* m_pHostAllocator;
-    uintptr_t m_reserved1[3];
-    uintptr_t m_reserved2[3];
+    [[maybe_unused]] uintptr_t m_reserved1[3];   // keep the record's layout
+    [[maybe_unused]] uintptr_t m_reserved2[3];
     std::vector<MemoryAllocInfo> m_allocations;
 };

@@ -14,6 +14,7 @@
 
 #include "../platform/ScopedCLocale.h"
 #include "../platform/WholeFile.h"
+#include "PresetDocument.h"
 #include "PresetName.h"
 
 namespace {
@@ -28,11 +29,6 @@ const char kPresetSkeleton[] =
 
 const char kRootElement[] = "Preset";
 const char kParameterElement[] = "parameter";
-
-// TinyXML steps over a multi-byte character by the width its lead byte announces, even when the
-// text ends inside it; these NULs behind the text keep such a step within the buffer and stop
-// the parser there.
-const size_t kParserSlack = 8;
 
 int ClampedCount(int32_t count)
 {
@@ -143,13 +139,6 @@ void ReadParameters(const TiXmlElement* element, CEffectPreset* preset)
     preset->nCount = count;
 }
 
-// Each element, comment or declaration begins with '<', so their count bounds both the number
-// of nodes and the depth of nesting.
-bool WithinTagLimit(const std::string& text)
-{
-    return static_cast<size_t>(std::count(text.begin(), text.end(), '<')) <= CPresetSerializer::kMaxTags;
-}
-
 } // namespace
 
 bool CPresetSerializer::Save(const char* path, CEffectPreset* preset)
@@ -178,17 +167,10 @@ bool CPresetSerializer::Load(const char* path, CEffectPreset* preset)
     if (preset == nullptr)
         return false;
     try {
-        std::string text;
-        if (!Platform::ReadWholeFile(path, kMaxFileBytes, &text) || !WithinTagLimit(text))
-            return false;
-        text.append(kParserSlack, '\0');
-
-        Platform::ScopedCLocale classic;
         TiXmlDocument document;
-        document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
-        // A file cut short still yields the elements read so far; it is refused all the same.
-        if (document.Error())
+        if (ReadPresetDocument(path, &document) != PresetDocumentStatus::kParsed)
             return false;
+        Platform::ScopedCLocale classic;
         TiXmlElement* root = document.FirstChildElement(kRootElement);
         if (root == nullptr)
             return false;

@@ -2,6 +2,7 @@
 #include <cstddef>
 
 #include "../include/EffectPreset.h"
+#include "PresetDocument.h"
 
 class TiXmlElement;
 class IEffectData;   // reserved by the calling convention; always passed null and never used
@@ -23,10 +24,7 @@ public:
     // when the count is not 0 afterwards.
     static bool Get(TiXmlElement* element, CEffectPreset* preset, IEffectData* data);
 
-    // The largest file this system writes is under 18 KiB and holds about a hundred tags.
-    // Anything far larger is not a preset, and the limits keep a hostile file from making the
-    // parser take long (it looks for duplicate attributes pairwise), much memory, or deep stack
-    // (it recurses once per level of nesting, a few hundred bytes each).
-    static const size_t kMaxFileBytes = 32 * 1024;
-    static const size_t kMaxTags = 1024;
+    // The limits of ReadPresetDocument, which Load reads through.
+    static const size_t kMaxFileBytes = kPresetMaxFileBytes;
+    static const size_t kMaxTags = kPresetMaxTags;
 };

@@ -37,7 +37,8 @@ inline size_t Pixels(IppiSize size)
 template <typename... Pointers>
 IppStatus CheckPointersAndSize(IppiSize size, const Pointers*... pointers)
 {
-    if (((pointers == nullptr) || ...))
+    const bool anyNull = (... || (pointers == nullptr));
+    if (anyNull)
         return ippStsNullPtrErr;
     if (!Holds(size))
         return ippStsSizeErr;

@@ -72,6 +72,10 @@ TEST(DeglareEndToEnd, BadInputsFailCleanlyWithTheirOwnStatus)
     WriteFile(folder.Path("other.fxpunka"), PresetFile("Denoiser Pro"));
     WriteFile(folder.Path("mistyped.fxpunka"), PresetFile("Deglarer Pro", "4"));
     WriteFile(folder.Path("steep.fxpunka"), PresetFile("Deglarer Pro", "2", "1.5"));
+    std::string deep = "<Preset>";   // 100,000 nested elements: deep enough to exhaust a parser's stack
+    for (int level = 0; level < 100000; ++level)
+        deep += "<a>";
+    WriteFile(folder.Path("deep.fxpunka"), deep);
     fs::create_directory(folder.Path("sub"));
     fs::create_directory(folder.Path("locked"));
     const bool root = geteuid() == 0;
@@ -105,6 +109,7 @@ TEST(DeglareEndToEnd, BadInputsFailCleanlyWithTheirOwnStatus)
         {{"@clip.mkv", "@old.mkv", "--preset-file", "@mistyped.fxpunka"}, 15, "mistyped.fxpunka", "doesn't match"},
         {{"@clip.mkv", "@old.mkv", "--preset-file", "@steep.fxpunka"}, 15, "steep.fxpunka", "outside 0 to 1"},
         {{"@clip.mkv", "@old.mkv", "--preset-file", "@notes.txt"}, 15, "notes.txt", "not a preset file"},
+        {{"@clip.mkv", "--analyze", "--preset-file", "@deep.fxpunka"}, 15, "deep.fxpunka", "than any preset"},
         {{"@clip.mkv", "@old.mkv", "--sensitivity", "150"}, 2, "--sensitivity", "150"},
         {{"@clip.mkv", "@old.mkv", "--max-frames", "0"}, 2, "--max-frames", "0"},
         {{"@clip.mkv", "@old.mkv", "--bundle", "@nobundle"}, 17, "nobundle", "can't be loaded"},
@@ -188,6 +193,39 @@ TEST(DeglareEndToEnd, DamagedFramesAreNamedAndDecodedPast)
     }
     EXPECT_TRUE(named) << "frame " << damaged << " isn't named in: " << run.err;
     EXPECT_GE(ReadBack(output).frames.size(), static_cast<size_t>(frames - 1));
+}
+
+// A decoder can put out a frame whose time doesn't pass the one before (a damaged stream does);
+// every frame is still written, in order, at times an intra-only codec's container takes, and
+// the frames moved are named.
+TEST(DeglareEndToEnd, TimesThatDontIncreaseAreMovedForwardNotRefused)
+{
+    TempFolder folder;
+    ClipRecipe recipe;
+    recipe.timeBase = {1, 25};
+    for (int64_t frame = 0; frame < 12; ++frame)
+        recipe.timestamps.push_back(frame == 5 ? 4 : frame);
+    const std::string repeated = WriteSteadyClip(folder.Path("repeated.mkv"), 12, recipe);
+    struct Case {
+        std::string input;
+        const char* output;
+        size_t frames;
+        const char* named;
+    };
+    std::vector<Case> cases = {{repeated, "out.nut", 12, "repeated.mkv: frame 5: "},
+                               {repeated, "out.avi", 12, "repeated.mkv: frame 5: "}};
+    const std::string phone = DEGLARER_SOURCE_DIR "/../shared/clips/box.mp4";   // damaged first frames
+    if (fs::exists(phone))
+        cases.push_back({phone, "out.nut", 455, "box.mp4: frame 456: "});
+    for (const Case& c : cases) {
+        const ProgramRun run = RunDeglare({c.input, folder.Path(c.output), "--codec", "ffv1", "--quiet"});
+        ASSERT_EQ(run.status, 0) << c.input << " " << c.output << ": " << run.err;
+        EXPECT_NE(run.err.find(c.named), std::string::npos) << run.err;
+        const ReadClip written = ReadBack(folder.Path(c.output));
+        ASSERT_EQ(written.frames.size(), c.frames);
+        for (size_t frame = 1; frame < written.frames.size(); ++frame)
+            ASSERT_GT(written.frames[frame].pts, written.frames[frame - 1].pts) << c.output << " frame " << frame;
+    }
 }
 
 // Stock presets are read from the effect by name, in any case, saved ones from their file, and

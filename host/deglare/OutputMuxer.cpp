@@ -118,6 +118,11 @@ void OutputMuxer::Start(const AVFormatContext* input)
         ThrowWriteFailure(status);
 }
 
+AVRational OutputMuxer::VideoTimeBase() const
+{
+    return m_format->streams[m_videoStream]->time_base;
+}
+
 void OutputMuxer::ThrowWriteFailure(int status)
 {
     throw Failure(ExitStatus::WriteFailed, m_outputName + ": writing failed (" + AvErrorText(status) + ")");

@@ -28,6 +28,8 @@ public:
     void AddCopy(const AVStream* input, Console& console);
     // Writes the header, with the metadata and chapters of `input`.
     void Start(const AVFormatContext* input);
+    // The time base the container chose for the video stream; known once Start has run.
+    AVRational VideoTimeBase() const;
 
     // The video's packets, in `timeBase`.
     void WriteVideo(AVPacket* packet, AVRational timeBase);

@@ -165,6 +165,7 @@ void Run::StartOutput()
             m_muxer->AddCopy(stream, m_console);
     }
     m_muxer->Start(format);
+    m_encoder->KeepTimesIncreasing(m_muxer->VideoTimeBase());
 }
 
 // Only an encoding run needs the decoded pictures once the effect's pictures are made.
@@ -267,7 +268,8 @@ void Run::Encode(FrameOutcome& outcome)
     // A substitute shows at the time of the frame it stands in for.
     frame->pts = outcome.pts != AV_NOPTS_VALUE ? outcome.pts
                                                : av_rescale_q(outcome.index, av_inv_q(m_frameRate), m_timeBase);
-    m_encoder->Encode(frame.get(), [this](AVPacket* packet) { m_muxer->WriteVideo(packet, m_encoder->TimeBase()); });
+    m_encoder->Encode(frame.get(), outcome.index,
+                      [this](AVPacket* packet) { m_muxer->WriteVideo(packet, m_encoder->TimeBase()); });
 }
 
 void Run::Consume()
@@ -338,7 +340,7 @@ RunResult Run::Execute()
             m_threads.emplace_back(&Run::Render, this);
         Consume();
         if (m_encoder && !m_cancelled)
-            m_encoder->Encode(nullptr,
+            m_encoder->Encode(nullptr, -1,
                               [this](AVPacket* packet) { m_muxer->WriteVideo(packet, m_encoder->TimeBase()); });
     } catch (...) {
         Fail(std::current_exception());
@@ -355,6 +357,10 @@ RunResult Run::Execute()
     if (m_muxer) {
         m_muxer->Finish();
         m_temporary->Commit();
+        const std::string repaired = m_encoder->RepairedFrames();
+        if (!repaired.empty())
+            m_console.Warn(m_settings.input + ": " + repaired +
+                           ": the decoder gave times that didn't follow the frame before; moved just past it");
     }
     m_result.farDecodedFrames = m_farFrames ? m_farFrames->DecodedFrames() : 0;
     m_result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "../../Common/PresetDocument.h"
 #include "ExitStatus.h"
 
 namespace Deglare {
@@ -71,9 +72,14 @@ std::vector<EffectParam> ReadParameters(const TiXmlElement* root)
 EffectSettings ReadPresetFile(const std::string& path, IEffectLibrary* library, IVideoEffect* effect)
 {
     TiXmlDocument document;
-    if (!document.LoadFile(path.c_str(), TIXML_ENCODING_UNKNOWN)) {
-        if (document.ErrorId() == TiXmlBase::TIXML_ERROR_OPENING_FILE)
-            Refuse(path, "the preset file can't be read");
+    switch (ReadPresetDocument(path.c_str(), &document)) {
+    case PresetDocumentStatus::kParsed:
+        break;
+    case PresetDocumentStatus::kUnreadable:
+        Refuse(path, "the preset file can't be read");
+    case PresetDocumentStatus::kTooLarge:
+        Refuse(path, "not a preset file (larger, or with more elements, than any preset)");
+    case PresetDocumentStatus::kMalformed:
         Refuse(path, std::string("not a preset file (") + document.ErrorDesc() + ")");
     }
     const TiXmlElement* root = document.FirstChildElement("Preset");

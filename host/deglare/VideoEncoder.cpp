@@ -133,10 +133,18 @@ bool VideoEncoder::Accepts(const AVFrame* frame) const
            frame->height == m_context->height;
 }
 
-void VideoEncoder::Encode(AVFrame* frame, const std::function<void(AVPacket*)>& sink)
+void VideoEncoder::KeepTimesIncreasing(AVRational containerTimeBase)
+{
+    m_repair = std::make_unique<TimestampRepair>(m_context->time_base, containerTimeBase);
+}
+
+void VideoEncoder::Encode(AVFrame* frame, int index, const std::function<void(AVPacket*)>& sink)
 {
     if (frame != nullptr) {
-        frame->pts = av_rescale_q(frame->pts, m_inputTimeBase, m_context->time_base);
+        if (frame->pts != AV_NOPTS_VALUE)
+            frame->pts = av_rescale_q(frame->pts, m_inputTimeBase, m_context->time_base);
+        if (m_repair)
+            frame->pts = m_repair->Next(index, frame->pts);
         // The encoder chooses picture types itself, whatever the decoder saw.
         frame->pict_type = AV_PICTURE_TYPE_NONE;
     }

@@ -1,9 +1,12 @@
 #pragma once
 #include <functional>
+#include <memory>
+#include <string>
 
 #include "AvSupport.h"
 #include "Console.h"
 #include "EncoderSettings.h"
+#include "TimestampRepair.h"
 
 namespace Deglare {
 
@@ -26,9 +29,14 @@ public:
     // Whether `frame` can go to the encoder as it is.
     bool Accepts(const AVFrame* frame) const;
 
-    // Encodes `frame` (its pts in the input time base), or drains the encoder with null; each
-    // packet, in the encoder's time base, goes to `sink`.
-    void Encode(AVFrame* frame, const std::function<void(AVPacket*)>& sink);
+    // From now on frame times are kept strictly increasing also in `containerTimeBase`, the
+    // time base the muxer chose for the stream.
+    void KeepTimesIncreasing(AVRational containerTimeBase);
+    // Encodes frame `index` (its pts in the input time base), or drains the encoder with null;
+    // each packet, in the encoder's time base, goes to `sink`.
+    void Encode(AVFrame* frame, int index, const std::function<void(AVPacket*)>& sink);
+    // The frames whose times had to be moved forward; empty when none.
+    std::string RepairedFrames() const { return m_repair ? m_repair->RepairedFrames() : std::string(); }
 
     // Throws the Failure for an encoder name that FFmpeg doesn't know as a video encoder.
     static const AVCodec* FindEncoder(const std::string& name);
@@ -37,6 +45,7 @@ private:
     CodecContextRef m_context;
     AVRational m_inputTimeBase;
     PacketRef m_packet;
+    std::unique_ptr<TimestampRepair> m_repair;
 };
 
 } // namespace Deglare
