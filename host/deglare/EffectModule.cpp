@@ -44,26 +44,21 @@ EffectModule::EffectModule(const std::string& bundlePath)
         throw Failure(ExitStatus::ModuleUnavailable, bundlePath + ": the module gave no library object");
     if (m_instance->Effect() == nullptr)
         throw Failure(ExitStatus::ModuleUnavailable, bundlePath + ": the library offers no effect");
-    m_library = m_instance->Library();
-    m_effect = m_instance->Effect();
 }
 
-EffectModule::~EffectModule()
-{
-    m_instance.reset();   // the effect and library go before the module
-}
+EffectModule::~EffectModule() = default;
 
 EffectSettings EffectModule::Defaults() const
 {
     EffectSettings settings;
     EffectParamSetup setup = {};
-    if (m_effect->EnumParam(kSensitivityParam, &setup))
+    if (Effect()->EnumParam(kSensitivityParam, &setup))
         settings.sensitivityPosition = setup.defaultValue.fValue;
     setup = EffectParamSetup();
-    if (m_effect->EnumParam(kMaxFramesParam, &setup))
+    if (Effect()->EnumParam(kMaxFramesParam, &setup))
         settings.maxFramesPosition = setup.defaultValue.fValue;
     setup = EffectParamSetup();
-    if (m_effect->EnumParam(kTestModeParam, &setup))
+    if (Effect()->EnumParam(kTestModeParam, &setup))
         settings.testMode = setup.defaultValue.bValue;
     return settings;
 }
@@ -71,7 +66,7 @@ EffectSettings EffectModule::Defaults() const
 std::vector<std::string> EffectModule::PresetNames() const
 {
     std::vector<std::string> names;
-    for (unsigned int preset = 0; const char* name = m_effect->EnumPreset(preset); ++preset)
+    for (unsigned int preset = 0; const char* name = Effect()->EnumPreset(preset); ++preset)
         names.push_back(name);
     return names;
 }
@@ -84,7 +79,7 @@ EffectSettings EffectModule::Preset(const std::string& name) const
             continue;
         EffectParam values[3] = {};
         for (unsigned int param = kSensitivityParam; param <= kTestModeParam; ++param)
-            if (!m_effect->EnumPresetData(preset, param, &values[param]))
+            if (!Effect()->EnumPresetData(preset, param, &values[param]))
                 throw Failure(ExitStatus::UnknownPreset, name + ": the effect gives no values for this preset");
         EffectSettings settings;
         settings.sensitivityPosition = values[kSensitivityParam].value.fValue;

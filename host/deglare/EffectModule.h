@@ -21,8 +21,8 @@ public:
     EffectModule(const EffectModule&) = delete;
     EffectModule& operator=(const EffectModule&) = delete;
 
-    IEffectLibrary* Library() const { return m_library; }
-    IVideoEffect* Effect() const { return m_effect; }
+    IEffectLibrary* Library() const { return m_instance->Library(); }
+    IVideoEffect* Effect() const { return m_instance->Effect(); }
 
     // The parameters' default positions, as EnumParam states them.
     EffectSettings Defaults() const;
@@ -36,9 +36,7 @@ public:
 
 private:
     std::unique_ptr<TestHost::ModuleLoader> m_loader;
-    std::unique_ptr<TestHost::EffectInstance> m_instance;
-    IEffectLibrary* m_library = nullptr;
-    IVideoEffect* m_effect = nullptr;
+    std::unique_ptr<TestHost::EffectInstance> m_instance;   // declared after the loader: it goes first
 };
 
 } // namespace Deglare
