@@ -109,6 +109,7 @@ struct FlashCase {
     bool variableRate = false;
     std::string report = "report.json";
     std::string plot = "";
+    int startFrame = 0;                 // the video starts this many frames after the audio
 };
 
 // "Test mode" puts the crosses into the output instead: every flagged frame comes out marked,
@@ -132,6 +133,10 @@ TEST(DeglareFlashRemoval, FlashedFramesShowTheRightNeighboursAndAllElseIsKept)
          AV_PIX_FMT_YUV444P},
         // MOV takes no ffv1; libx264 at crf 0 is lossless too, and MOV carries the rotation.
         {"MOV", {"--codec", "libx264", "--crf", "0"}, kTimeAccessReplaced, kTimeAccessSpared, "mov"},
+        // Video that starts 2 s after its audio: MP4 writes an edit list and the stream a start time.
+        {"MP4 behind its audio", {"--codec", "libx264", "--crf", "0"}, kTimeAccessReplaced, kTimeAccessSpared, "mp4",
+         AV_PIX_FMT_YUV420P, 64, 48, false, "report.json", "", 50},
+        {"RGB, sequential", {"--sequential"}, kSequentialReplaced, kSequentialSpared, "mkv", AV_PIX_FMT_BGR0},
         {"test mode", {"--test-mode"}, kTimeAccessReplaced, kTimeAccessSpared},
         {"test mode, sequential", {"--test-mode", "--sequential"}, kSequentialReplaced, kSequentialSpared},
     };
@@ -150,10 +155,12 @@ TEST(DeglareFlashRemoval, FlashedFramesShowTheRightNeighboursAndAllElseIsKept)
         recipe.transfer = AVCOL_TRC_BT709;
         recipe.matrix = AVCOL_SPC_BT709;
         recipe.rotation = 90.0;
-        if (test.container == "mov") {
+        if (test.container == "mov" || test.container == "mp4") {
             recipe.codec = "libx264";
             recipe.crf = 0;
         }
+        for (int index = 0; index < kFrames && test.startFrame > 0; ++index)
+            recipe.timestamps.push_back(test.startFrame + index);
         if (test.variableRate) {
             recipe.timeBase = {1, 1000};
             for (int index = 0, time = 0; index < kFrames; ++index, time += index % 4 == 0 ? 90 : 33)
@@ -250,7 +257,7 @@ TEST(DeglareFlashRemoval, FlashedFramesShowTheRightNeighboursAndAllElseIsKept)
                                   after.transfer, after.matrix),
                   std::make_tuple(before.pixelFormat, test.width, test.height, before.range, before.primaries,
                                   before.transfer, before.matrix));
-        EXPECT_EQ(before.rotation, test.container == "mov" ? -90.0 : 0.0);
+        EXPECT_EQ(before.rotation, test.container == "mov" || test.container == "mp4" ? -90.0 : 0.0);
         EXPECT_EQ(after.rotation, before.rotation);
         // Audio bit for bit, with its timestamps.
         ASSERT_EQ(after.streamCount, before.streamCount);

@@ -139,8 +139,12 @@ void Run::Prepare()
     m_frameRate = NominalFrameRate(video);
     m_shape.frameRate = av_q2d(m_frameRate);
     m_timeBase = video->time_base;
-    m_origin = video->start_time != AV_NOPTS_VALUE ? video->start_time
-                                                     : (m_index.Timed() ? m_index.PtsOf(0) : 0);
+    // Times count from the file's start, as a player's clock does: video that starts after its
+    // audio (an MP4 edit list, a camera that begins recording sound first) starts past 0.
+    const int64_t fileStart = m_input->Format()->start_time;
+    m_origin = fileStart != AV_NOPTS_VALUE ? av_rescale_q(fileStart, AV_TIME_BASE_Q, video->time_base)
+               : video->start_time != AV_NOPTS_VALUE ? video->start_time
+                                                      : (m_index.Timed() ? m_index.PtsOf(0) : 0);
     m_result.indexedFrames = m_index.Count();
 
     if (m_plan.raised)
