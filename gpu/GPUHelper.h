@@ -1,7 +1,5 @@
 #pragma once
 #include <cstdint>
-#include <map>
-#include <string>
 
 #include "../include/GLContext.h"
 #include "../include/PixelFormat.h"
@@ -66,7 +64,6 @@ public:
 
 private:
     uint8_t m_Description[kGLContextDescriptionSize];
-    std::map<std::string, TextureParams> m_Named;
     GLBlender m_Blender;
     bool m_bMultisample = false;
     IGLContext* m_pContext = nullptr;

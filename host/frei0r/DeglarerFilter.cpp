@@ -10,7 +10,6 @@ extern "C" {
 #include <memory>
 #include <mutex>
 #include <string>
-#include <vector>
 
 #include "../../include/EffectParam.h"
 #include "../../include/InterfaceIds.h"
@@ -47,8 +46,7 @@ Plugin* g_plugin = nullptr;
 
 struct Instance {
     Instance(const TestHost::ModuleLoader& module, unsigned width, unsigned height)
-        : effect(module), host(effect.Id()), width(static_cast<int>(width)), height(static_cast<int>(height)),
-          source(static_cast<size_t>(width) * height), destination(source.size())
+        : effect(module), host(effect.Id()), width(static_cast<int>(width)), height(static_cast<int>(height))
     {
     }
 
@@ -56,7 +54,6 @@ struct Instance {
     Frei0r::FilterHost host;
     Frei0r::FrameClock clock;
     int width, height;
-    std::vector<uint32_t> source, destination;   // the effect's own order: bytes B, G, R, A
 };
 
 std::string BundleBesideFilter()
@@ -66,20 +63,12 @@ std::string BundleBesideFilter()
     return (slash == std::string::npos ? std::string(".") : filter.substr(0, slash)) + "/" + kBundleName;
 }
 
-// frei0r's RGBA8888 has bytes R, G, B, A; the effect's 8-bit pictures B, G, R, A. Only the
-// order of red and blue differs, both ways alike.
-void SwapRedAndBlue(const uint32_t* from, uint32_t* to, size_t count)
-{
-    for (size_t pixel = 0; pixel < count; ++pixel) {
-        const uint32_t value = from[pixel];
-        to[pixel] = (value & 0xFF00FF00u) | ((value & 0xFFu) << 16) | ((value >> 16) & 0xFFu);
-    }
-}
-
-FrameParams Frame(std::vector<uint32_t>& pixels, int width, int height)
+// frei0r's BGRA8888 is the effect's own 8-bit format, bytes B, G, R, A, so the host's pictures
+// go to the effect as they are. The effect never writes its source.
+FrameParams Frame(const uint32_t* pixels, int width, int height)
 {
     FrameParams frame = {};
-    frame.pBuffer = reinterpret_cast<uint8_t*>(pixels.data());
+    frame.pBuffer = reinterpret_cast<uint8_t*>(const_cast<uint32_t*>(pixels));
     frame.nWidth = width;
     frame.nHeight = height;
     frame.nByteSpan = width * 4;
@@ -138,7 +127,7 @@ DEGLARER_EXPORT void f0r_get_plugin_info(f0r_plugin_info_t* info)
     info->name = g_plugin != nullptr ? g_plugin->name.c_str() : "Deglarer Pro";
     info->author = "Tessarel";
     info->plugin_type = F0R_PLUGIN_TYPE_FILTER;
-    info->color_model = F0R_COLOR_MODEL_RGBA8888;
+    info->color_model = F0R_COLOR_MODEL_BGRA8888;
     info->frei0r_version = FREI0R_MAJOR_VERSION;
     info->major_version = 3;
     info->minor_version = 0;
@@ -206,10 +195,8 @@ DEGLARER_EXPORT void f0r_update(f0r_instance_t handle, double time, const uint32
     Instance* instance = static_cast<Instance*>(handle);
     if (instance == nullptr || inframe == nullptr || outframe == nullptr)
         return;
-    const size_t count = instance->source.size();
-    SwapRedAndBlue(inframe, instance->source.data(), count);
-    FrameParams source = Frame(instance->source, instance->width, instance->height);
-    FrameParams destination = Frame(instance->destination, instance->width, instance->height);
+    FrameParams source = Frame(inframe, instance->width, instance->height);
+    FrameParams destination = Frame(outframe, instance->width, instance->height);
     RenderInfo info = {};
     info.nSize = sizeof(RenderInfo);
     info.dwFlags = kRenderInfoFrameIndexValid;
@@ -219,8 +206,6 @@ DEGLARER_EXPORT void f0r_update(f0r_instance_t handle, double time, const uint32
     info.dFactor1 = 1.0;
     info.nField = 3;   // whole frames
     info.dFactor2 = 1.0;
-    if (instance->effect.Effect()->Render(&instance->host, &source, nullptr, &destination, &info))
-        SwapRedAndBlue(instance->destination.data(), outframe, count);
-    else
-        std::memcpy(outframe, inframe, count * sizeof(uint32_t));
+    if (!instance->effect.Effect()->Render(&instance->host, &source, nullptr, &destination, &info))
+        std::memcpy(outframe, inframe, static_cast<size_t>(instance->width) * instance->height * sizeof(uint32_t));
 }
